@@ -1,0 +1,33 @@
+# Installs the library with what find_package(velmora) and pkg-config need.
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/velmora)
+
+install(
+    TARGETS velmora
+    EXPORT velmora-targets
+    FILE_SET HEADERS
+)
+install(
+    EXPORT velmora-targets
+    NAMESPACE velmora::
+    DESTINATION ${package_dir}
+)
+
+configure_package_config_file(
+    cmake/velmora-config.cmake.in ${PROJECT_BINARY_DIR}/velmora-config.cmake INSTALL_DESTINATION ${package_dir}
+)
+write_basic_package_version_file(
+    ${PROJECT_BINARY_DIR}/velmora-config-version.cmake COMPATIBILITY SameMinorVersion
+)
+install(FILES ${PROJECT_BINARY_DIR}/velmora-config.cmake ${PROJECT_BINARY_DIR}/velmora-config-version.cmake
+        DESTINATION ${package_dir}
+)
+
+# Where the prefix is, seen from the file itself: an installed tree may be moved.
+cmake_path(SET pkgconfig_dir NORMALIZE "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir}"
+           OUTPUT_VARIABLE prefix_from_pkgconfig
+)
+configure_file(cmake/velmora.pc.in ${PROJECT_BINARY_DIR}/velmora.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/velmora.pc DESTINATION ${pkgconfig_dir})

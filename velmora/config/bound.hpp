@@ -1,0 +1,60 @@
+// The numbers that a key accepts.
+#pragma once
+
+#include "velmora/config/value.hpp"
+
+#include <functional>
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+namespace velmora::config {
+
+/// The arguments of a `Bound` that may be left out, given by name.
+struct BoundOptions {
+    std::optional<Number> high = std::nullopt;
+    bool low_open = false;
+};
+
+/// The numbers from `low`, which `low_open` excludes, up to and including `high`, where there is
+/// one. Ends are kept as they are given; a bound whose `low` lies above its `high` admits nothing.
+class Bound {
+public:
+    explicit Bound(Number low, std::optional<Number> high = std::nullopt, bool low_open = false)
+        : low_(std::move(low)), high_(std::move(high)), low_open_(low_open) {}
+    Bound(Number low, BoundOptions options)
+        : Bound(std::move(low), std::move(options.high), options.low_open) {}
+
+    const Number& low() const noexcept { return low_; }
+    const std::optional<Number>& high() const noexcept { return high_; }
+    bool low_open() const noexcept { return low_open_; }
+
+    /// Whether `value` is in range, compared exactly; NaN never is. A flag counts as 1 or 0. Throws
+    /// TypeError for a value that is neither a number nor a flag.
+    bool admits(const ConfigValue& value) const;
+
+    /// The bound as the end of a sentence: "above 0", "at least 1 and at most 65535". Throws
+    /// OverflowError when an end is an integer beyond the range of doubles.
+    std::string text() const;
+
+    friend bool operator==(const Bound& a, const Bound& b) = default;
+
+private:
+    Number low_;
+    std::optional<Number> high_;
+    bool low_open_;
+};
+
+inline const Bound POSITIVE(0, {.low_open = true});
+inline const Bound NON_NEGATIVE(0);
+inline const Bound PROBABILITY(0, 1);
+
+std::string display(const Bound& bound);
+std::ostream& operator<<(std::ostream& out, const Bound& bound);
+
+}  // namespace velmora::config
+
+template <>
+struct std::hash<velmora::config::Bound> {
+    std::size_t operator()(const velmora::config::Bound& bound) const;
+};

@@ -1,0 +1,99 @@
+#include "velmora/config/declaration.hpp"
+
+#include "velmora/config/display.hpp"
+#include "velmora/utils/hash.hpp"
+#include "velmora/utils/quoting.hpp"
+
+#include <array>
+#include <memory>
+#include <ostream>
+#include <tuple>
+
+namespace velmora::config {
+
+namespace {
+
+template <class T>
+Metadata metadata_of(std::string_view key, T descriptor) {
+    return {{std::string(key), Descriptor(std::make_shared<const T>(std::move(descriptor)))}};
+}
+
+FieldDetails section_details(DefaultFactory fresh, std::string doc, SectionOptions options) {
+    return {std::move(fresh),
+            metadata_of(_SECTION, SectionSetting(std::move(doc), options.restart.value()))};
+}
+
+}  // namespace
+
+std::string_view name_of(Restart restart) noexcept {
+    constexpr std::array<std::string_view, 3> names = {"none", "worker", "daemon"};
+    return names[static_cast<std::size_t>(restart)];
+}
+
+bool operator==(const Setting& a, const Setting& b) {
+    const auto fields = [](const Setting& s) {
+        return std::tie(s.doc(), s.env(), s.bounds(), s.choices(), s.restart());
+    };
+    return fields(a) == fields(b);
+}
+
+FieldDetails setting(const ConfigValue& default_value, std::string doc, SettingOptions options) {
+    Metadata metadata = metadata_of(_SETTING, Setting(std::move(doc), std::move(options)));
+    const auto* list = default_value.get_if<List>();
+    if (list == nullptr) return {default_value, std::move(metadata)};
+    return {DefaultFactory([items = list->copy()] { return items.copy(); }), std::move(metadata)};
+}
+
+FieldDetails section(RecordType kind, std::string doc, SectionOptions options) {
+    return section_details([kind = std::move(kind)] { return kind.make(); }, std::move(doc),
+                           options);
+}
+
+FieldDetails section(TypeReference kind, std::string doc, SectionOptions options) {
+    return section_details(
+        [kind = std::move(kind)] { return kind.resolved().record_type().make(); }, std::move(doc),
+        options);
+}
+
+std::string display(const Setting& setting) {
+    const auto bounds = setting.bounds();
+    const auto restart = setting.restart();
+    return display_record(
+        "Setting", {{"doc", utils::quoted(setting.doc())},
+                    {"env", setting.env() ? utils::quoted(*setting.env()) : "None"},
+                    {"bounds", bounds ? display(*bounds) : "None"},
+                    {"choices", display(List(std::vector<ConfigValue>(setting.choices().begin(),
+                                                                      setting.choices().end())))},
+                    {"restart", restart ? utils::quoted(name_of(*restart)) : "None"}});
+}
+
+std::string display(const SectionSetting& setting) {
+    return display_record("SectionSetting",
+                          {{"doc", utils::quoted(setting.doc())},
+                           {"restart", utils::quoted(name_of(setting.restart()))}});
+}
+
+std::ostream& operator<<(std::ostream& out, Restart restart) {
+    return out << name_of(restart);
+}
+std::ostream& operator<<(std::ostream& out, const Setting& setting) {
+    return out << display(setting);
+}
+std::ostream& operator<<(std::ostream& out, const SectionSetting& setting) {
+    return out << display(setting);
+}
+
+}  // namespace velmora::config
+
+using velmora::config::SectionSetting;
+using velmora::config::Setting;
+using velmora::utils::hash_fields;
+
+std::size_t std::hash<Setting>::operator()(const Setting& setting) const {
+    return hash_fields(setting.doc(), setting.env(), setting.bounds(), setting.choices(),
+                       setting.restart());
+}
+
+std::size_t std::hash<SectionSetting>::operator()(const SectionSetting& setting) const {
+    return hash_fields(setting.doc(), setting.restart());
+}

@@ -1,0 +1,55 @@
+// A number: an integer of any size or a double, in one exact order.
+#pragma once
+
+#include "velmora/config/integer.hpp"
+
+#include <compare>
+#include <concepts>
+#include <functional>
+#include <string>
+#include <variant>
+
+namespace velmora::config {
+
+/// The built-in floating-point types that a double holds exactly.
+template <class T>
+concept BuiltinFloat = std::same_as<T, double> || std::same_as<T, float>;
+
+class Number {
+public:
+    template <BuiltinInteger I>
+    Number(I value) : value_(Integer(value)) {}
+    template <BuiltinFloat F>
+    Number(F value) noexcept : value_(double{value}) {}
+    Number(Integer value) noexcept : value_(std::move(value)) {}
+
+    /// The integer or the double that this number is; null when it is the other.
+    const Integer* if_integer() const noexcept { return std::get_if<Integer>(&value_); }
+    const double* if_double() const noexcept { return std::get_if<double>(&value_); }
+
+    /// The number as a double, an integer as the nearest one. Throws OverflowError as
+    /// `Integer::to_double` does.
+    double to_double() const;
+
+    /// Agrees with `==`: an integer and a double of the same value hash alike.
+    std::size_t hash() const;
+
+    /// By numeric value and exact: no integer is rounded to be compared with a double. NaN is
+    /// unordered and equals nothing, itself included; zeros of both signs are equal.
+    friend bool operator==(const Number& a, const Number& b) { return (a <=> b) == 0; }
+    friend std::partial_ordering operator<=>(const Number& a, const Number& b);
+
+private:
+    std::variant<Integer, double> value_;
+};
+
+/// The number in the general format "g" with 6 significant digits ("0.5", "65535", "1e+06"), an
+/// integer as the nearest double. Throws OverflowError when there is none.
+std::string number_text(const Number& number);
+
+}  // namespace velmora::config
+
+template <>
+struct std::hash<velmora::config::Number> {
+    std::size_t operator()(const velmora::config::Number& value) const { return value.hash(); }
+};

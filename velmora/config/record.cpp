@@ -1,0 +1,226 @@
+#include "velmora/config/record.hpp"
+
+#include "velmora/config/display.hpp"
+#include "velmora/utils/errors.hpp"
+#include "velmora/utils/quoting.hpp"
+
+#include <algorithm>
+#include <array>
+#include <ostream>
+#include <unordered_map>
+
+namespace velmora::config {
+
+// --- RecordType
+// -----------------------------------------------------------------------------------
+
+struct RecordType::Data {
+    std::string name;
+    std::vector<FieldDecl> fields;
+    /// By names that refer into `fields`.
+    std::unordered_map<std::string_view, std::size_t> positions;
+};
+
+RecordType::RecordType(std::string name, std::vector<FieldDecl> fields) {
+    auto data = std::make_shared<Data>(Data{std::move(name), std::move(fields), {}});
+    for (std::size_t i = 0; i < data->fields.size(); ++i) {
+        const std::string& field = data->fields[i].name();
+        const auto [first, fresh] = data->positions.try_emplace(field, i);
+        if (!fresh) {
+            throw TypeError("two fields of " + data->name +
+                            " have one name: " + utils::quoted(field) + " (field " +
+                            std::to_string(first->second + 1) + ") and " + utils::quoted(field) +
+                            " (field " + std::to_string(i + 1) + ")");
+        }
+    }
+    data_ = std::move(data);
+}
+
+const std::string& RecordType::name() const noexcept {
+    return data_->name;
+}
+
+const std::vector<FieldDecl>& RecordType::fields() const noexcept {
+    return data_->fields;
+}
+
+std::optional<std::size_t> RecordType::position_of(std::string_view field,
+                                                   std::size_t expected) const {
+    if (expected < data_->fields.size() && data_->fields[expected].name() == field) return expected;
+    const auto found = data_->positions.find(field);
+    return found != data_->positions.end() ? std::optional(found->second) : std::nullopt;
+}
+
+std::map<std::string, DeclaredType, std::less<>> RecordType::resolve_types() const {
+    std::map<std::string, DeclaredType, std::less<>> types;
+    for (const FieldDecl& field : fields()) types.emplace(field.name(), field.type().resolved());
+    return types;
+}
+
+Record RecordType::make(std::vector<Given> given) const {
+    RecordDraft draft(*this);
+    for (Given& each : given) {
+        const auto position = position_of(each.field);
+        if (!position) throw TypeError(name() + " has no field " + utils::quoted(each.field));
+        draft.give(*position, std::move(each.value));
+    }
+    return std::move(draft).finish();
+}
+
+Record RecordType::make() const {
+    return RecordDraft(*this).finish();
+}
+
+// --- Declared types
+// -------------------------------------------------------------------------------
+
+DeclaredType TypeReference::resolved() const {
+    // Long chains of references are taken for endless ones.
+    constexpr int most_steps = 100;
+    TypeReference reference = *this;
+    for (int step = 0; step < most_steps; ++step) {
+        const std::optional<DeclaredType> type =
+            reference.resolve_ ? reference.resolve_() : std::nullopt;
+        if (!type) break;
+        const TypeReference* next = type->if_reference();
+        if (next == nullptr) return type->resolved();
+        reference = TypeReference(*next);
+    }
+    throw TypeError("the reference " + utils::quoted(name_) + " names no type");
+}
+
+DeclaredType DeclaredType::list_of(const DeclaredType& element) {
+    return DeclaredType(std::in_place_type<ListOf>,
+                        {std::make_shared<const DeclaredType>(element)});
+}
+
+DeclaredType DeclaredType::other(std::string name) {
+    return DeclaredType(std::in_place_type<Other>, {std::move(name)});
+}
+
+bool DeclaredType::is(Basic basic) const noexcept {
+    const Basic* own = std::get_if<Basic>(&form_);
+    return own != nullptr && *own == basic;
+}
+
+const RecordType& DeclaredType::record_type() const {
+    if (const auto* record = std::get_if<RecordType>(&form_)) return *record;
+    throw TypeError(name() + " is no record type: it has no fields");
+}
+
+DeclaredType DeclaredType::resolved() const {
+    if (const TypeReference* reference = if_reference()) return reference->resolved();
+    if (const auto* list = std::get_if<ListOf>(&form_)) return list_of(list->element->resolved());
+    return *this;
+}
+
+std::string DeclaredType::name() const {
+    struct Name {
+        std::string operator()(Basic basic) const {
+            constexpr std::array<const char*, 5> names = {"bool", "int", "float", "str", "list"};
+            return names[static_cast<std::size_t>(basic)];
+        }
+        std::string operator()(const ListOf& list) const {
+            return "list[" + list.element->name() + "]";
+        }
+        std::string operator()(const RecordType& record) const { return record.name(); }
+        std::string operator()(const TypeReference& reference) const { return reference.name(); }
+        std::string operator()(const Other& type) const { return type.name; }
+    };
+    return std::visit(Name{}, form_);
+}
+
+// --- Metadata
+// -------------------------------------------------------------------------------------
+
+Descriptor Metadata::operator[](std::string_view key) const {
+    const auto found = entries_.find(key);
+    return found != entries_.end() ? found->second : Descriptor();
+}
+
+// --- Records
+// --------------------------------------------------------------------------------------
+
+Record::Record(RecordType type, std::vector<FieldValue> values)
+    : type_(std::move(type)), values_(std::move(values)) {}
+
+std::size_t Record::position_of(std::string_view field) const {
+    if (const auto position = type_.position_of(field)) return *position;
+    throw TypeError(type_.name() + " has no field " + utils::quoted(field));
+}
+
+const FieldValue& Record::operator[](std::string_view field) const {
+    return values_[position_of(field)];
+}
+
+void Record::set(std::string_view field, FieldValue value) {
+    values_[position_of(field)] = std::move(value);
+}
+
+bool operator==(const Record& a, const Record& b) {
+    return a.type_ == b.type_ && a.values_ == b.values_;
+}
+
+void Record::throw_unwanted(std::string_view field, std::string_view wanted) const {
+    const FieldValue& held = (*this)[field];
+    const std::string shown = held.if_record() != nullptr
+                                  ? "a " + held.if_record()->type().name() + " record"
+                                  : _shown(*held.if_value());
+    throw TypeError(type_.name() + "." + std::string(field) + " holds " + shown + ", not " +
+                    std::string(wanted));
+}
+
+std::optional<double> Record::float_field(std::string_view field) const {
+    const std::size_t position = position_of(field);
+    const ConfigValue* value = values_[position].if_value();
+    if (value == nullptr || !type_.fields()[position].type().is(DeclaredType::Basic::float_))
+        return std::nullopt;
+    const Integer* integer = value->get_if<Integer>();
+    return integer != nullptr ? std::optional(integer->to_double()) : std::nullopt;
+}
+
+RecordDraft::RecordDraft(RecordType type) : type_(std::move(type)) {
+    values_.reserve(type_.fields().size());
+    for (std::size_t i = 0; i < type_.fields().size(); ++i) values_.push_back(FieldValue());
+}
+
+Record RecordDraft::finish() && {
+    for (std::size_t i = 0; i < values_.size(); ++i) {
+        if (!std::holds_alternative<std::monostate>(values_[i].held_)) continue;
+        const FieldDecl& field = type_.fields()[i];
+        if (const ConfigValue* value = field.default_value()) {
+            values_[i] = *value;
+        } else if (const DefaultFactory* factory = field.default_factory()) {
+            values_[i] = (*factory)();
+        } else {
+            throw TypeError(type_.name() + " needs a value for its field " +
+                            utils::quoted(field.name()));
+        }
+    }
+    return Record(std::move(type_), std::move(values_));
+}
+
+std::string display(const Record& record) {
+    std::string out = record.type().name();
+    std::string_view separator = "(";
+    for (const FieldDecl& field : record.type().fields()) {
+        const FieldValue& held = record[field.name()];
+        out.append(separator).append(field.name()).append("=");
+        out += held.if_record() != nullptr ? display(*held.if_record()) : display(*held.if_value());
+        separator = ", ";
+    }
+    return out += record.type().fields().empty() ? "()" : ")";
+}
+
+std::string display(const RecordType& type) {
+    return "RecordType(" + utils::quoted(type.name()) + ")";
+}
+
+std::ostream& operator<<(std::ostream& out, const Record& record) {
+    return out << display(record);
+}
+std::ostream& operator<<(std::ostream& out, const RecordType& type) {
+    return out << display(type);
+}
+
+}  // namespace velmora::config

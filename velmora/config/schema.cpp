@@ -1,0 +1,121 @@
+#include "velmora/config/schema.hpp"
+
+#include "velmora/config/display.hpp"
+#include "velmora/utils/hash.hpp"
+#include "velmora/utils/quoting.hpp"
+
+#include <array>
+#include <ostream>
+
+namespace velmora::config {
+
+namespace {
+
+std::string display_keys(const std::vector<Key>& keys) {
+    std::string out = "[";
+    for (const Key& key : keys) {
+        if (out.size() > 1) out += ", ";
+        out += display(key);
+    }
+    return out += ']';
+}
+
+}  // namespace
+
+ConfigValue Key::default_value() const {
+    return owner_.make().get<ConfigValue>(name_);
+}
+
+bool operator==(const Key& a, const Key& b) {
+    return a.section_ == b.section_ && a.name_ == b.name_ && a.kind_ == b.kind_ &&
+           a.restart_ == b.restart_ && *a.setting_ == *b.setting_ && a.owner_ == b.owner_;
+}
+
+bool operator==(const Section& a, const Section& b) {
+    return a.name_ == b.name_ && a.kind_ == b.kind_ && *a.setting_ == *b.setting_ &&
+           a.keys_ == b.keys_;
+}
+
+std::vector<Section> sections_of(const RecordType& config_type) {
+    const auto types = config_type.resolve_types();
+    std::vector<Section> sections;
+    for (const FieldDecl& field : config_type.fields()) {
+        auto about = field.metadata()[_SECTION].as<SectionSetting>();
+        if (about == nullptr) {
+            throw TypeError(field.name() +
+                            " is not a section: declare it with section(kind, doc, ...)");
+        }
+        const RecordType& kind = types.at(field.name()).record_type();
+        std::vector<Key> keys = _keys_of(field.name(), kind, *about);
+        sections.emplace_back(field.name(), kind, std::move(about), std::move(keys));
+    }
+    return sections;
+}
+
+std::vector<Key> _keys_of(const std::string& name, const RecordType& kind,
+                          const SectionSetting& about) {
+    const auto types = kind.resolve_types();
+    std::vector<Key> keys;
+    for (const FieldDecl& field : kind.fields()) {
+        const std::string label = name + "." + field.name();
+        auto setting = field.metadata()[_SETTING].as<Setting>();
+        if (setting == nullptr) {
+            throw TypeError(label +
+                            " is not described: declare it with setting(default, doc, ...)");
+        }
+        const KeyKind key_kind = _kind_of(types.at(field.name()), label);
+        const Restart restart = setting->restart().value_or(about.restart());
+        keys.emplace_back(name, field.name(), key_kind, restart, std::move(setting), kind);
+    }
+    return keys;
+}
+
+KeyKind _kind_of(const DeclaredType& annotation, const std::string& label) {
+    using Basic = DeclaredType::Basic;
+    constexpr std::array<std::pair<Basic, KeyKind>, 4> kinds = {{{Basic::bool_, KeyKind::bool_},
+                                                                 {Basic::int_, KeyKind::int_},
+                                                                 {Basic::float_, KeyKind::float_},
+                                                                 {Basic::str, KeyKind::str}}};
+    if (annotation.is_list_with_element()) return KeyKind::list;
+    for (const auto& [type, kind] : kinds) {
+        if (annotation.is(type)) return kind;
+    }
+    throw TypeError(label + ": a configuration key is a bool, an int, a float, a str or a list");
+}
+
+std::string display(const Key& key) {
+    return display_record("Key", {{"section", utils::quoted(key.section())},
+                                  {"name", utils::quoted(key.name())},
+                                  {"kind", std::string(name_of(key.kind()))},
+                                  {"restart", utils::quoted(name_of(key.restart()))},
+                                  {"setting", display(key.setting())}});
+}
+
+std::string display(const Section& section) {
+    return display_record("Section", {{"name", utils::quoted(section.name())},
+                                      {"kind", display(section.kind())},
+                                      {"setting", display(section.setting())},
+                                      {"keys", display_keys(section.keys())}});
+}
+
+std::ostream& operator<<(std::ostream& out, const Key& key) {
+    return out << display(key);
+}
+std::ostream& operator<<(std::ostream& out, const Section& section) {
+    return out << display(section);
+}
+
+}  // namespace velmora::config
+
+using velmora::config::Key;
+using velmora::config::Section;
+using velmora::utils::hash_fields;
+
+std::size_t std::hash<Key>::operator()(const Key& key) const {
+    return hash_fields(key.section(), key.name(), key.kind(), key.restart(), key.setting(),
+                       key.owner());
+}
+
+std::size_t std::hash<Section>::operator()(const Section& section) const {
+    return hash_fields(section.name(), section.kind(), section.setting(), section.keys());
+}

@@ -1,0 +1,121 @@
+// What a declared configuration resolves into: its sections and their keys.
+//
+//     for (const Section& section : sections_of(config)) {
+//         for (const Key& key : section.keys()) std::cout << key.label() << ": " <<
+//         key.setting().doc() << "\n";
+//     }
+#pragma once
+
+#include "velmora/config/declaration.hpp"
+#include "velmora/config/kind.hpp"
+
+#include <functional>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace velmora::config {
+
+/// One key of the configuration, resolved from its field.
+class Key {
+public:
+    /// `setting` is shared with the field that declares the key; it must not be null.
+    Key(std::string section, std::string name, KeyKind kind, Restart restart,
+        std::shared_ptr<const Setting> setting, RecordType owner)
+        : section_(std::move(section)),
+          name_(std::move(name)),
+          kind_(kind),
+          restart_(restart),
+          setting_(std::move(setting)),
+          owner_(std::move(owner)) {}
+
+    /// The name of the section's field in the configuration.
+    const std::string& section() const noexcept { return section_; }
+    /// The name of the key's field in the section.
+    const std::string& name() const noexcept { return name_; }
+    KeyKind kind() const noexcept { return kind_; }
+    /// What must restart for a change to apply: the key's own scope, else its section's.
+    Restart restart() const noexcept { return restart_; }
+    const Setting& setting() const noexcept { return *setting_; }
+    /// The section's record type.
+    const RecordType& owner() const noexcept { return owner_; }
+
+    /// The key's full name, which names it in every message: "server.port".
+    std::string label() const { return section_ + "." + name_; }
+
+    /// The key's default as it is declared; a new list every time, so that no two configurations
+    /// share one. Makes the defaults of the whole section; what a default factory throws passes.
+    ConfigValue default_value() const;
+
+    /// Equal in all six fields.
+    friend bool operator==(const Key& a, const Key& b);
+
+private:
+    std::string section_;
+    std::string name_;
+    KeyKind kind_;
+    Restart restart_;
+    std::shared_ptr<const Setting> setting_;
+    RecordType owner_;
+};
+
+/// One section of the configuration, resolved from its field.
+class Section {
+public:
+    /// `setting` is shared with the field that declares the section; it must not be null.
+    Section(std::string name, RecordType kind, std::shared_ptr<const SectionSetting> setting,
+            std::vector<Key> keys)
+        : name_(std::move(name)),
+          kind_(std::move(kind)),
+          setting_(std::move(setting)),
+          keys_(std::move(keys)) {}
+
+    const std::string& name() const noexcept { return name_; }
+    const RecordType& kind() const noexcept { return kind_; }
+    const SectionSetting& setting() const noexcept { return *setting_; }
+    /// In the order of the fields of `kind`.
+    const std::vector<Key>& keys() const noexcept { return keys_; }
+
+    /// Equal in all four fields.
+    friend bool operator==(const Section& a, const Section& b);
+
+private:
+    std::string name_;
+    RecordType kind_;
+    std::shared_ptr<const SectionSetting> setting_;
+    std::vector<Key> keys_;
+};
+
+/// The sections of a configuration type, with their keys, in the order of its fields. Throws
+/// TypeError for the first field, in the order of declaration, that is no section, no described key
+/// or of no supported type; when a reference names no type, before any field is looked at.
+std::vector<Section> sections_of(const RecordType& config_type);
+
+/// The keys of the section `name` of record type `kind`.
+std::vector<Key> _keys_of(const std::string& name, const RecordType& kind,
+                          const SectionSetting& about);
+
+/// The kind of a key from its field's resolved type. Throws TypeError, which names the key by
+/// `label`, when there is none.
+KeyKind _kind_of(const DeclaredType& annotation, const std::string& label);
+
+/// The display form of a key leaves `owner` out.
+std::string display(const Key& key);
+std::string display(const Section& section);
+std::ostream& operator<<(std::ostream& out, const Key& key);
+std::ostream& operator<<(std::ostream& out, const Section& section);
+
+}  // namespace velmora::config
+
+template <>
+struct std::hash<velmora::config::Key> {
+    std::size_t operator()(const velmora::config::Key& key) const;
+};
+
+template <>
+struct std::hash<velmora::config::Section> {
+    std::size_t operator()(const velmora::config::Section& section) const;
+};

@@ -1,0 +1,329 @@
+// A raw value, as a configuration file, a command line or an environment variable yields it.
+//
+//     ConfigValue value = Mapping{{"port", 8080}, {"tags", List{"a", "b"}}};
+//     if (const auto* mapping = value.get_if<Mapping>()) {
+//         if (const ConfigValue* port = mapping->find("port")) listen(port->get<std::uint16_t>());
+//     }
+#pragma once
+
+#include "velmora/config/number.hpp"
+#include "velmora/config/shared.hpp"
+
+#include <concepts>
+#include <cstddef>
+#include <functional>
+#include <initializer_list>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace velmora::config {
+
+class ConfigValue;
+
+/// A list of values. A handle: copies share one list, which `copy` does not. It may contain itself.
+/// Once moved from, it may only be assigned to or destroyed.
+class List {
+public:
+    List();
+    /// A list of these items. One list in braces is itself, as with every type: a list of one list
+    /// is List{ConfigValue(list)}.
+    template <class Item>
+    requires(!std::same_as<std::remove_cvref_t<Item>, List> &&
+             std::convertible_to<Item, ConfigValue>) explicit List(Item&& item);
+    template <class First, class Second, class... Rest>
+    List(First&& first, Second&& second, Rest&&... rest);
+    explicit List(std::vector<ConfigValue> items);
+
+    std::size_t size() const noexcept;
+    bool empty() const noexcept { return size() == 0; }
+    const ConfigValue* begin() const noexcept;
+    const ConfigValue* end() const noexcept;
+    const ConfigValue& operator[](std::size_t index) const noexcept;
+
+    void push_back(ConfigValue item);
+    /// Replaces the item at `index`, which must exist.
+    void set(std::size_t index, ConfigValue item);
+
+    /// A new list of the same items; lists and mappings among them are shared.
+    List copy() const;
+
+    /// Whether both are handles of one list, so that a change to the one shows in the other.
+    bool same_as(const List& other) const noexcept { return identity() == other.identity(); }
+    /// An address that all handles of one list, and no others, have in common.
+    const void* identity() const noexcept { return handle_.get(); }
+
+    friend bool operator==(const List& a, const List& b);
+
+private:
+    friend class ConfigValue;
+    class Data;
+
+    Data& data() const noexcept;
+
+    Handle handle_;
+};
+
+/// A mapping from values, texts as a rule, to values, in the order in which its keys were first
+/// set. A handle like `List`. A list or a mapping that serves as a key must not be changed as long
+/// as it does.
+class Mapping {
+public:
+    struct Entry;
+
+    Mapping();
+    /// Of entries with equal keys, the last one gives the value.
+    Mapping(std::initializer_list<Entry> entries);
+
+    std::size_t size() const noexcept;
+    bool empty() const noexcept { return size() == 0; }
+    const Entry* begin() const noexcept;
+    const Entry* end() const noexcept;
+
+    /// The value under `key`, null when there is none; valid until the mapping is changed. Takes
+    /// constant expected time. `expected`, where the caller has a guess, is the position of the
+    /// entry that is looked at before any search.
+    const ConfigValue* find(std::string_view key, std::size_t expected = 0) const;
+    const ConfigValue* find(const std::same_as<ConfigValue> auto& key) const {
+        return find_value(key);
+    }
+
+    /// Puts `value` under `key`: in place of the value that is there, else in a new entry at the
+    /// end.
+    void set(ConfigValue key, ConfigValue value);
+
+    /// A new mapping of the same entries; lists and mappings among them are shared.
+    Mapping copy() const;
+
+    /// Whether both are handles of one mapping.
+    bool same_as(const Mapping& other) const noexcept { return identity() == other.identity(); }
+    /// An address that all handles of one mapping, and no others, have in common.
+    const void* identity() const noexcept { return handle_.get(); }
+
+    friend bool operator==(const Mapping& a, const Mapping& b);
+
+private:
+    friend class ConfigValue;
+    class Data;
+
+    Data& data() const noexcept;
+    const ConfigValue* find_value(const ConfigValue& key) const;
+
+    Handle handle_;
+};
+
+/// Null, a flag, an integer, a double, a text, a list or a mapping. Once moved from, it is null.
+class ConfigValue {
+public:
+    ConfigValue() noexcept = default;
+    ConfigValue(std::nullptr_t) noexcept {}
+    template <std::same_as<bool> Flag>
+    ConfigValue(Flag flag) noexcept : value_(flag) {}
+    template <BuiltinInteger I>
+    ConfigValue(I integer) : value_(Integer(integer)) {}
+    template <BuiltinFloat F>
+    ConfigValue(F real) noexcept : value_(double{real}) {}
+    ConfigValue(Integer integer) noexcept : value_(std::move(integer)) {}
+    ConfigValue(const Number& number);
+    ConfigValue(std::string text) noexcept : value_(std::move(text)) {}
+    ConfigValue(std::string_view text) : value_(std::string(text)) {}
+    /// A null pointer, as std::getenv may return it, makes null.
+    ConfigValue(const char* text);
+    ConfigValue(char* text) : ConfigValue(static_cast<const char*>(text)) {}
+    ConfigValue(List list) noexcept : value_(std::move(list)) {}
+    ConfigValue(Mapping mapping) noexcept : value_(std::move(mapping)) {}
+    template <class T>
+    ConfigValue(T*) = delete;
+
+    ConfigValue(const ConfigValue&) = default;
+    ConfigValue(ConfigValue&& other) noexcept
+        : value_(std::exchange(other.value_, std::monostate{})) {}
+    ConfigValue& operator=(const ConfigValue&) = default;
+    ConfigValue& operator=(ConfigValue&& other) noexcept {
+        value_ = std::exchange(other.value_, std::monostate{});
+        return *this;
+    }
+    ~ConfigValue() = default;
+
+    bool is_null() const noexcept { return std::holds_alternative<std::monostate>(value_); }
+
+    /// What the value holds when it is an `Alternative`: bool, Integer, double, std::string, List
+    /// or Mapping; else null.
+    template <class Alternative>
+    const Alternative* get_if() const noexcept {
+        return std::get_if<Alternative>(&value_);
+    }
+
+    /// The value as a `T` when it is one, without any conversion between kinds: bool, a built-in
+    /// integer type that the integer fits, Integer, double, Number, std::string, std::string_view
+    /// (which refers into this value), List, Mapping, ConfigValue, a vector of such types for a
+    /// list of them, or an optional of one, which is empty for null.
+    template <class T>
+    std::optional<T> as() const;
+
+    /// The value as a `T`, like `as`. Throws TypeError when it is none, an integer that does not
+    /// fit included.
+    template <class T>
+    T get() const;
+
+    /// What kind of value this is, in words: "null", "a flag", "an integer", "a float", "a text",
+    /// "a list" or "a mapping".
+    std::string_view kind_text() const noexcept;
+
+    /// Calls `visitor` with what the value holds: std::monostate for null, bool, Integer, double,
+    /// std::string, List or Mapping.
+    template <class Visitor>
+    decltype(auto) visit(Visitor&& visitor) const {
+        return std::visit(std::forward<Visitor>(visitor), value_);
+    }
+
+    /// A copy that shares no list or mapping with this value. What is shared, or contains itself,
+    /// within this value does so within the copy.
+    ConfigValue deep_copy() const;
+
+    /// Agrees with `==`. Lists and mappings are hashed by their size and, near the top, their
+    /// items.
+    std::size_t hash() const;
+
+    /// By value, at any depth: an integer equals a double of the same value, a flag never equals a
+    /// number. Mappings are equal whatever the order of their entries, only entries whose keys are
+    /// lists or mappings are compared in their order. A list or mapping equals itself, whatever it
+    /// contains.
+    friend bool operator==(const ConfigValue& a, const ConfigValue& b);
+
+private:
+    class Comparison;
+
+    Shared* shared() const noexcept;
+    friend class List;
+    friend class Mapping;
+
+    std::variant<std::monostate, bool, Integer, double, std::string, List, Mapping> value_;
+};
+
+struct Mapping::Entry {
+    ConfigValue key;
+    ConfigValue value;
+};
+
+template <class Item>
+requires(!std::same_as<std::remove_cvref_t<Item>, List> &&
+         std::convertible_to<Item, ConfigValue>) List::List(Item&& item)
+    : List() {
+    push_back(std::forward<Item>(item));
+}
+
+template <class First, class Second, class... Rest>
+List::List(First&& first, Second&& second, Rest&&... rest) : List() {
+    push_back(std::forward<First>(first));
+    push_back(std::forward<Second>(second));
+    (push_back(std::forward<Rest>(rest)), ...);
+}
+
+// --- Reading a value as a C++ type
+// ----------------------------------------------------------------
+
+namespace detail {
+
+template <class T>
+inline constexpr bool is_optional = false;
+template <class T>
+inline constexpr bool is_optional<std::optional<T>> = true;
+
+template <class T>
+inline constexpr bool is_vector = false;
+template <class T>
+inline constexpr bool is_vector<std::vector<T>> = true;
+
+template <class T>
+inline constexpr bool is_alternative =
+    std::same_as<T, bool> || std::same_as<T, Integer> || std::same_as<T, double> ||
+    std::same_as<T, std::string> || std::same_as<T, List> || std::same_as<T, Mapping>;
+
+/// What `ConfigValue::as<T>` accepts, in words.
+template <class T>
+std::string wanted_text() {
+    if constexpr (std::same_as<T, bool>) {
+        return "a flag";
+    } else if constexpr (std::same_as<T, Integer>) {
+        return "an integer";
+    } else if constexpr (BuiltinInteger<T>) {
+        return "an integer from " + std::to_string(std::numeric_limits<T>::min()) + " to " +
+               std::to_string(std::numeric_limits<T>::max());
+    } else if constexpr (std::same_as<T, double>) {
+        return "a float";
+    } else if constexpr (std::same_as<T, Number>) {
+        return "a number";
+    } else if constexpr (std::same_as<T, std::string> || std::same_as<T, std::string_view>) {
+        return "a text";
+    } else if constexpr (std::same_as<T, List>) {
+        return "a list";
+    } else if constexpr (std::same_as<T, Mapping>) {
+        return "a mapping";
+    } else if constexpr (is_vector<T>) {
+        return "a list, each item " + wanted_text<typename T::value_type>();
+    } else if constexpr (is_optional<T>) {
+        return "null or " + wanted_text<typename T::value_type>();
+    } else {
+        return "a value";
+    }
+}
+
+[[noreturn]] void throw_unwanted(std::string_view wanted, const ConfigValue& got);
+
+}  // namespace detail
+
+template <class T>
+std::optional<T> ConfigValue::as() const {
+    if constexpr (std::same_as<T, ConfigValue>) {
+        return *this;
+    } else if constexpr (detail::is_alternative<T>) {
+        const T* held = get_if<T>();
+        return held != nullptr ? std::optional<T>(*held) : std::nullopt;
+    } else if constexpr (BuiltinInteger<T>) {
+        const Integer* held = get_if<Integer>();
+        return held != nullptr ? held->as<T>() : std::nullopt;
+    } else if constexpr (std::same_as<T, Number>) {
+        if (const Integer* held = get_if<Integer>()) return *held;
+        const double* held = get_if<double>();
+        return held != nullptr ? std::optional<T>(*held) : std::nullopt;
+    } else if constexpr (std::same_as<T, std::string_view>) {
+        const std::string* held = get_if<std::string>();
+        return held != nullptr ? std::optional<T>(*held) : std::nullopt;
+    } else if constexpr (detail::is_vector<T>) {
+        const List* held = get_if<List>();
+        if (held == nullptr) return std::nullopt;
+        T items;
+        items.reserve(held->size());
+        for (const ConfigValue& item : *held) {
+            std::optional<typename T::value_type> read = item.as<typename T::value_type>();
+            if (!read) return std::nullopt;
+            items.push_back(*std::move(read));
+        }
+        return items;
+    } else {
+        static_assert(detail::is_optional<T>, "no value reads as this type");
+        if (is_null()) return T();
+        std::optional<typename T::value_type> read = as<typename T::value_type>();
+        return read ? std::optional<T>(std::move(read)) : std::nullopt;
+    }
+}
+
+template <class T>
+T ConfigValue::get() const {
+    std::optional<T> read = as<T>();
+    if (!read) detail::throw_unwanted(detail::wanted_text<T>(), *this);
+    return *std::move(read);
+}
+
+}  // namespace velmora::config
+
+template <>
+struct std::hash<velmora::config::ConfigValue> {
+    std::size_t operator()(const velmora::config::ConfigValue& value) const { return value.hash(); }
+};

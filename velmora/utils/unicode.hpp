@@ -1,0 +1,34 @@
+// UTF-8 texts as sequences of characters (code points).
+//
+// Bytes that are no UTF-8 may come in from anywhere: each such byte counts as one character, the
+// lone surrogate U+DC80..U+DCFF that ends in that byte, so no text is ever refused and none loses a
+// byte.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace velmora::utils {
+
+struct Character {
+    char32_t code;
+    std::size_t size;  ///< in bytes
+};
+
+/// The character that `text`, which must not be empty, begins with.
+Character first_character(std::string_view text) noexcept;
+
+/// The bytes that the first `count` characters of `text` take; all of them when it has no more.
+std::size_t prefix_size(std::string_view text, std::size_t count) noexcept;
+
+/// Whether a character can be shown as it is: its general category is none of Cc, Cf, Cs, Co, Cn,
+/// Zl, Zp and Zs. The space is the one exception.
+bool is_printable(char32_t code) noexcept;
+
+/// Whether a character has the Unicode property White_Space.
+bool is_white_space(char32_t code) noexcept;
+
+/// `text` without the white space at its two ends.
+std::string_view trimmed(std::string_view text) noexcept;
+
+}  // namespace velmora::utils

@@ -11,7 +11,7 @@ namespace velmora::config {
 namespace {
 
 Number number_of(const ConfigValue& value) {
-    if (const bool* flag = value.get_if<bool>()) return *flag ? 1 : 0;
+    if (const auto* flag = value.get_if<bool>()) return *flag ? 1 : 0;
     if (const auto number = value.as<Number>()) return *number;
     throw TypeError("a bound cannot be compared with " + _shown(value) + ", which is no number");
 }

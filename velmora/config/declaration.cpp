@@ -56,8 +56,8 @@ FieldDetails section(TypeReference kind, std::string doc, SectionOptions options
 }
 
 std::string display(const Setting& setting) {
-    const auto bounds = setting.bounds();
-    const auto restart = setting.restart();
+    const auto& bounds = setting.bounds();
+    const auto& restart = setting.restart();
     return display_record(
         "Setting", {{"doc", utils::quoted(setting.doc())},
                     {"env", setting.env() ? utils::quoted(*setting.env()) : "None"},

@@ -99,7 +99,7 @@ DeclaredType DeclaredType::other(std::string name) {
 }
 
 bool DeclaredType::is(Basic basic) const noexcept {
-    const Basic* own = std::get_if<Basic>(&form_);
+    const auto* own = std::get_if<Basic>(&form_);
     return own != nullptr && *own == basic;
 }
 
@@ -175,7 +175,7 @@ std::optional<double> Record::float_field(std::string_view field) const {
     const ConfigValue* value = values_[position].if_value();
     if (value == nullptr || !type_.fields()[position].type().is(DeclaredType::Basic::float_))
         return std::nullopt;
-    const Integer* integer = value->get_if<Integer>();
+    const auto* integer = value->get_if<Integer>();
     return integer != nullptr ? std::optional(integer->to_double()) : std::nullopt;
 }
 
@@ -197,7 +197,7 @@ Record RecordDraft::finish() && {
                             utils::quoted(field.name()));
         }
     }
-    return Record(std::move(type_), std::move(values_));
+    return {std::move(type_), std::move(values_)};
 }
 
 std::string display(const Record& record) {

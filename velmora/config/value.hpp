@@ -283,20 +283,20 @@ std::optional<T> ConfigValue::as() const {
     if constexpr (std::same_as<T, ConfigValue>) {
         return *this;
     } else if constexpr (detail::is_alternative<T>) {
-        const T* held = get_if<T>();
+        const auto* held = get_if<T>();
         return held != nullptr ? std::optional<T>(*held) : std::nullopt;
     } else if constexpr (BuiltinInteger<T>) {
-        const Integer* held = get_if<Integer>();
+        const auto* held = get_if<Integer>();
         return held != nullptr ? held->as<T>() : std::nullopt;
     } else if constexpr (std::same_as<T, Number>) {
-        if (const Integer* held = get_if<Integer>()) return *held;
-        const double* held = get_if<double>();
+        if (const auto* held = get_if<Integer>()) return *held;
+        const auto* held = get_if<double>();
         return held != nullptr ? std::optional<T>(*held) : std::nullopt;
     } else if constexpr (std::same_as<T, std::string_view>) {
-        const std::string* held = get_if<std::string>();
+        const auto* held = get_if<std::string>();
         return held != nullptr ? std::optional<T>(*held) : std::nullopt;
     } else if constexpr (detail::is_vector<T>) {
-        const List* held = get_if<List>();
+        const auto* held = get_if<List>();
         if (held == nullptr) return std::nullopt;
         T items;
         items.reserve(held->size());

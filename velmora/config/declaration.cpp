@@ -59,18 +59,18 @@ std::string display(const Setting& setting) {
     const auto& bounds = setting.bounds();
     const auto& restart = setting.restart();
     return display_record(
-        "Setting", {{"doc", utils::quoted(setting.doc())},
-                    {"env", setting.env() ? utils::quoted(*setting.env()) : "None"},
+        "Setting", {{"doc", utils::quoted_text(setting.doc())},
+                    {"env", setting.env() ? utils::quoted_text(*setting.env()) : "None"},
                     {"bounds", bounds ? display(*bounds) : "None"},
                     {"choices", display(List(std::vector<ConfigValue>(setting.choices().begin(),
                                                                       setting.choices().end())))},
-                    {"restart", restart ? utils::quoted(name_of(*restart)) : "None"}});
+                    {"restart", restart ? utils::quoted_text(name_of(*restart)) : "None"}});
 }
 
 std::string display(const SectionSetting& setting) {
     return display_record("SectionSetting",
-                          {{"doc", utils::quoted(setting.doc())},
-                           {"restart", utils::quoted(name_of(setting.restart()))}});
+                          {{"doc", utils::quoted_text(setting.doc())},
+                           {"restart", utils::quoted_text(name_of(setting.restart()))}});
 }
 
 std::ostream& operator<<(std::ostream& out, Restart restart) {

@@ -28,9 +28,9 @@ RecordType::RecordType(std::string name, std::vector<FieldDecl> fields) {
         const auto [first, fresh] = data->positions.try_emplace(field, i);
         if (!fresh) {
             throw TypeError("two fields of " + data->name +
-                            " have one name: " + utils::quoted(field) + " (field " +
-                            std::to_string(first->second + 1) + ") and " + utils::quoted(field) +
-                            " (field " + std::to_string(i + 1) + ")");
+                            " have one name: " + utils::quoted_text(field) + " (field " +
+                            std::to_string(first->second + 1) + ") and " +
+                            utils::quoted_text(field) + " (field " + std::to_string(i + 1) + ")");
         }
     }
     data_ = std::move(data);
@@ -61,7 +61,7 @@ Record RecordType::make(std::vector<Given> given) const {
     RecordDraft draft(*this);
     for (Given& each : given) {
         const auto position = position_of(each.field);
-        if (!position) throw TypeError(name() + " has no field " + utils::quoted(each.field));
+        if (!position) throw TypeError(name() + " has no field " + utils::quoted_text(each.field));
         draft.give(*position, std::move(each.value));
     }
     return std::move(draft).finish();
@@ -86,7 +86,7 @@ DeclaredType TypeReference::resolved() const {
         if (next == nullptr) return type->resolved();
         reference = TypeReference(*next);
     }
-    throw TypeError("the reference " + utils::quoted(name_) + " names no type");
+    throw TypeError("the reference " + utils::quoted_text(name_) + " names no type");
 }
 
 DeclaredType DeclaredType::list_of(const DeclaredType& element) {
@@ -146,7 +146,7 @@ Record::Record(RecordType type, std::vector<FieldValue> values)
 
 std::size_t Record::position_of(std::string_view field) const {
     if (const auto position = type_.position_of(field)) return *position;
-    throw TypeError(type_.name() + " has no field " + utils::quoted(field));
+    throw TypeError(type_.name() + " has no field " + utils::quoted_text(field));
 }
 
 const FieldValue& Record::operator[](std::string_view field) const {
@@ -194,7 +194,7 @@ Record RecordDraft::finish() && {
             values_[i] = (*factory)();
         } else {
             throw TypeError(type_.name() + " needs a value for its field " +
-                            utils::quoted(field.name()));
+                            utils::quoted_text(field.name()));
         }
     }
     return {std::move(type_), std::move(values_)};
@@ -213,7 +213,7 @@ std::string display(const Record& record) {
 }
 
 std::string display(const RecordType& type) {
-    return "RecordType(" + utils::quoted(type.name()) + ")";
+    return "RecordType(" + utils::quoted_text(type.name()) + ")";
 }
 
 std::ostream& operator<<(std::ostream& out, const Record& record) {

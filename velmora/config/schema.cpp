@@ -84,15 +84,15 @@ KeyKind _kind_of(const DeclaredType& annotation, const std::string& label) {
 }
 
 std::string display(const Key& key) {
-    return display_record("Key", {{"section", utils::quoted(key.section())},
-                                  {"name", utils::quoted(key.name())},
+    return display_record("Key", {{"section", utils::quoted_text(key.section())},
+                                  {"name", utils::quoted_text(key.name())},
                                   {"kind", std::string(name_of(key.kind()))},
-                                  {"restart", utils::quoted(name_of(key.restart()))},
+                                  {"restart", utils::quoted_text(name_of(key.restart()))},
                                   {"setting", display(key.setting())}});
 }
 
 std::string display(const Section& section) {
-    return display_record("Section", {{"name", utils::quoted(section.name())},
+    return display_record("Section", {{"name", utils::quoted_text(section.name())},
                                       {"kind", display(section.kind())},
                                       {"setting", display(section.setting())},
                                       {"keys", display_keys(section.keys())}});

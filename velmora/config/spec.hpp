@@ -3,6 +3,7 @@
 
 // IWYU pragma: begin_exports
 #include "velmora/config/bound.hpp"
+#include "velmora/config/coercers.hpp"
 #include "velmora/config/declaration.hpp"
 #include "velmora/config/display.hpp"
 #include "velmora/config/record.hpp"

@@ -23,7 +23,7 @@ inline constexpr std::size_t shown_bytes = 4 * (shown_characters + 1);
 void append_quoted(std::string& out, std::string_view text, std::size_t enough = std::string::npos);
 
 /// The quoted form of `text`, in full.
-std::string quoted(std::string_view text);
+std::string quoted_text(std::string_view text);
 
 /// `form` when it has at most `shown_characters` characters, else as many of them as leave room for
 /// "..." behind them.

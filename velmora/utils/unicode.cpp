@@ -1,5 +1,6 @@
 #include "velmora/utils/unicode.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 
@@ -86,6 +87,12 @@ std::string_view trimmed(std::string_view text) noexcept {
         text.remove_suffix(last.size);
     }
     return text;
+}
+
+bool equal_ignoring_case(std::string_view text, std::string_view word) noexcept {
+    return std::equal(text.begin(), text.end(), word.begin(), word.end(), [](char any, char lower) {
+        return any == lower || (any >= 'A' && any <= 'Z' && any - 'A' + 'a' == lower);
+    });
 }
 
 }  // namespace velmora::utils

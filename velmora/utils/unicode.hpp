@@ -31,4 +31,7 @@ bool is_white_space(char32_t code) noexcept;
 /// `text` without the white space at its two ends.
 std::string_view trimmed(std::string_view text) noexcept;
 
+/// Whether `text` is `word`, which is lower-case ASCII, in any mix of upper and lower case.
+bool equal_ignoring_case(std::string_view text, std::string_view word) noexcept;
+
 }  // namespace velmora::utils

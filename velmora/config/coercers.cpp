@@ -1,0 +1,180 @@
+#include "velmora/config/coercers.hpp"
+
+#include "velmora/config/display.hpp"
+#include "velmora/utils/errors.hpp"
+#include "velmora/utils/text_values.hpp"
+#include "velmora/utils/unicode.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmora::config {
+
+namespace {
+
+constexpr bool is_digit(char c) noexcept {
+    return c >= '0' && c <= '9';
+}
+
+// `text` without its underscores; nothing when one does not stand between two digits.
+std::optional<std::string> without_underscores(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    while (true) {
+        const std::size_t mark = std::min(text.find('_'), text.size());
+        result += text.substr(0, mark);
+        if (mark == text.size()) return result;
+        const bool between_digits = mark > 0 && is_digit(text[mark - 1]) &&
+                                    mark + 1 < text.size() && is_digit(text[mark + 1]);
+        if (!between_digits) return std::nullopt;
+        text.remove_prefix(mark + 1);
+    }
+}
+
+std::optional<Integer> read_integer(std::string_view text) {
+    const auto digits = without_underscores(utils::trimmed(text));
+    return digits ? Integer::parse(*digits) : std::nullopt;
+}
+
+// The decimal exponent of the first digit of an unsigned decimal number other than zero: 2 for
+// 123.4, -1 for 0.5. An exponent too large to be held counts as the largest.
+std::int64_t leading_exponent(std::string_view text) {
+    const std::size_t mark = std::min(text.find_first_of("eE"), text.size());
+    const std::string_view digits = text.substr(0, mark);
+    const std::size_t point = std::min(digits.find('.'), digits.size());
+    const std::size_t leading = digits.find_first_not_of("0.");
+    const auto position = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(leading);
+    std::int64_t exponent = 0;
+    if (mark < text.size()) {
+        std::string_view written = text.substr(mark + 1);
+        if (written.starts_with('+')) written.remove_prefix(1);
+        if (std::from_chars(written.data(), written.data() + written.size(), exponent).ec !=
+            std::errc()) {
+            constexpr std::int64_t beyond_any_text = std::numeric_limits<std::int64_t>::max() / 2;
+            exponent = written.starts_with('-') ? -beyond_any_text : beyond_any_text;
+        }
+    }
+    return exponent + (leading < point ? position - 1 : position);
+}
+
+// The double that an unsigned decimal number stands for, an infinity when it is too large for one.
+std::optional<double> read_decimal(std::string_view text) {
+    // std::from_chars takes the words inf and nan as well.
+    if (!text.starts_with('.') && (text.empty() || !is_digit(text.front()))) return std::nullopt;
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc::invalid_argument || end != text.data() + text.size())
+        return std::nullopt;
+    if (error == std::errc()) return value;
+    return leading_exponent(text) < 0 ? 0.0 : std::numeric_limits<double>::infinity();
+}
+
+std::optional<double> read_float(std::string_view text) {
+    const auto plain = without_underscores(utils::trimmed(text));
+    if (!plain) return std::nullopt;
+    std::string_view magnitude = *plain;
+    const bool negative = magnitude.starts_with('-');
+    if (negative || magnitude.starts_with('+')) magnitude.remove_prefix(1);
+
+    std::optional<double> value;
+    if (utils::equal_ignoring_case(magnitude, "nan")) {
+        value = std::numeric_limits<double>::quiet_NaN();
+    } else if (utils::equal_ignoring_case(magnitude, "inf") ||
+               utils::equal_ignoring_case(magnitude, "infinity")) {
+        value = std::numeric_limits<double>::infinity();
+    } else {
+        value = read_decimal(magnitude);
+    }
+    if (value && negative) value = -*value;
+    return value;
+}
+
+[[noreturn]] void refuse_as(const ConfigValue& value, std::string_view kind) {
+    throw ValueError("cannot interpret " + display(value) + " as a " + std::string(kind));
+}
+
+std::string expected(std::string_view wanted, const ConfigValue& got) {
+    return "expected " + std::string(wanted) + ", got " + _shown(got);
+}
+
+// The nearest double of `integer`, which `value` stands for.
+double finite_double(const Integer& integer, const ConfigValue& value) {
+    try {
+        return integer.to_double();
+    } catch (const OverflowError&) {
+        throw OverflowError(expected("an integer below 2^1024 - 2^970 in magnitude", value));
+    }
+}
+
+Integer to_integer(const ConfigValue& value) {
+    if (const auto* integer = value.get_if<Integer>()) return *integer;
+    if (const auto* real = value.get_if<double>()) return Integer::truncated(*real);
+    const auto* text = value.get_if<std::string>();
+    if (text == nullptr) throw TypeError(expected("an integer", value));
+    if (auto integer = read_integer(*text)) return *std::move(integer);
+    throw ValueError(expected("a decimal integer", value));
+}
+
+double to_double(const ConfigValue& value) {
+    if (const auto* integer = value.get_if<Integer>()) return finite_double(*integer, value);
+    if (const auto* real = value.get_if<double>()) return *real;
+    const auto* text = value.get_if<std::string>();
+    if (text == nullptr) throw TypeError(expected("a number", value));
+    if (const auto real = read_float(*text)) return *real;
+    throw ValueError(expected("a decimal number", value));
+}
+
+}  // namespace
+
+ConfigValue _coerce_bool(const ConfigValue& value) {
+    if (value.get_if<bool>() != nullptr) return value;
+    if (const auto number = value.as<Number>()) return *number != 0;
+    if (const auto* text = value.get_if<std::string>()) return utils::parse_bool(*text);
+    refuse_as(value, "boolean");
+}
+
+ConfigValue _coerce_number(const ConfigValue& value, KeyKind kind) {
+    const bool whole = kind == KeyKind::int_;
+    if (value.get_if<bool>() != nullptr) {
+        throw ValueError(whole ? "expected an integer, got a boolean"
+                               : "expected a number, got a boolean");
+    }
+    const auto* given = value.get_if<double>();
+    if (given != nullptr && !std::isfinite(*given))
+        throw ValueError(display(value) + " is not a finite number");
+    if (whole) {
+        Integer integer = to_integer(value);
+        (void)finite_double(integer, value);
+        return integer;
+    }
+    const double real = to_double(value);
+    if (!std::isfinite(real)) throw ValueError(_shown(value) + " is not a finite number");
+    return real;
+}
+
+ConfigValue _coerce_text(const ConfigValue& value) {
+    if (value.is_null()) throw ValueError("no value");
+    return plain_text(value);
+}
+
+ConfigValue _coerce_list(const ConfigValue& value) {
+    std::vector<ConfigValue> items;
+    if (const auto* list = value.get_if<List>()) {
+        items.reserve(list->size());
+        for (const ConfigValue& item : *list) items.emplace_back(plain_text(item));
+    } else if (const auto* text = value.get_if<std::string>()) {
+        for (std::string& item : utils::split_csv(*text)) items.emplace_back(std::move(item));
+    } else {
+        refuse_as(value, "list");
+    }
+    return List(std::move(items));
+}
+
+}  // namespace velmora::config

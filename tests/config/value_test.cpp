@@ -130,7 +130,8 @@ TEST(Mapping, KeepsOrderAndReplacesValues) {
         for (const auto& [key, value] : copy) {
             ASSERT_EQ(key, ConfigValue("key" + std::to_string(i)));
             ASSERT_EQ(*mapping.find(key), ConfigValue(2 * i));
-            ASSERT_EQ(copy.find(key.get<std::string_view>(), 5), &value);
+            ASSERT_EQ(copy.find(key.get<std::string_view>()), &value);
+            ASSERT_EQ(&copy.find_entry(key.get<std::string_view>(), 5)->value, &value);
             ++i;
         }
         EXPECT_EQ(*mapping.find(ConfigValue(List{1.0})), ConfigValue("list"));

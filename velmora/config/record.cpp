@@ -44,11 +44,11 @@ const std::vector<FieldDecl>& RecordType::fields() const noexcept {
     return data_->fields;
 }
 
-std::optional<std::size_t> RecordType::position_of(std::string_view field,
-                                                   std::size_t expected) const {
+std::size_t RecordType::position_of(std::string_view field, std::size_t expected) const {
     if (expected < data_->fields.size() && data_->fields[expected].name() == field) return expected;
     const auto found = data_->positions.find(field);
-    return found != data_->positions.end() ? std::optional(found->second) : std::nullopt;
+    if (found != data_->positions.end()) return found->second;
+    throw TypeError(name() + " has no field " + utils::quoted_text(field));
 }
 
 std::map<std::string, DeclaredType, std::less<>> RecordType::resolve_types() const {
@@ -59,11 +59,7 @@ std::map<std::string, DeclaredType, std::less<>> RecordType::resolve_types() con
 
 Record RecordType::make(std::vector<Given> given) const {
     RecordDraft draft(*this);
-    for (Given& each : given) {
-        const auto position = position_of(each.field);
-        if (!position) throw TypeError(name() + " has no field " + utils::quoted_text(each.field));
-        draft.give(*position, std::move(each.value));
-    }
+    for (Given& each : given) draft.give(position_of(each.field), std::move(each.value));
     return std::move(draft).finish();
 }
 
@@ -144,17 +140,12 @@ Descriptor Metadata::operator[](std::string_view key) const {
 Record::Record(RecordType type, std::vector<FieldValue> values)
     : type_(std::move(type)), values_(std::move(values)) {}
 
-std::size_t Record::position_of(std::string_view field) const {
-    if (const auto position = type_.position_of(field)) return *position;
-    throw TypeError(type_.name() + " has no field " + utils::quoted_text(field));
-}
-
 const FieldValue& Record::operator[](std::string_view field) const {
-    return values_[position_of(field)];
+    return values_[type_.position_of(field)];
 }
 
 void Record::set(std::string_view field, FieldValue value) {
-    values_[position_of(field)] = std::move(value);
+    values_[type_.position_of(field)] = std::move(value);
 }
 
 bool operator==(const Record& a, const Record& b) {
@@ -171,7 +162,7 @@ void Record::throw_unwanted(std::string_view field, std::string_view wanted) con
 }
 
 std::optional<double> Record::float_field(std::string_view field) const {
-    const std::size_t position = position_of(field);
+    const std::size_t position = type_.position_of(field);
     const ConfigValue* value = values_[position].if_value();
     if (value == nullptr || !type_.fields()[position].type().is(DeclaredType::Basic::float_))
         return std::nullopt;

@@ -50,9 +50,9 @@ public:
     /// In the order of declaration.
     const std::vector<FieldDecl>& fields() const noexcept;
 
-    /// The position of the field of this name, looked for at position `expected` first; empty when
-    /// there is none.
-    std::optional<std::size_t> position_of(std::string_view field, std::size_t expected = 0) const;
+    /// The position of the field of this name, looked for at position `expected` first. Throws
+    /// TypeError when there is none.
+    std::size_t position_of(std::string_view field, std::size_t expected = 0) const;
 
     /// Every field's declared type by the field's name, references resolved. Throws TypeError when
     /// a reference names no type.
@@ -251,7 +251,6 @@ private:
 
     Record(RecordType type, std::vector<FieldValue> values);
 
-    std::size_t position_of(std::string_view field) const;
     [[noreturn]] void throw_unwanted(std::string_view field, std::string_view wanted) const;
     std::optional<double> float_field(std::string_view field) const;
 

@@ -1,15 +1,66 @@
 #include "velmora/config/schema.hpp"
 
+#include "velmora/config/coercers.hpp"
 #include "velmora/config/display.hpp"
 #include "velmora/utils/hash.hpp"
+#include "velmora/utils/logging.hpp"
 #include "velmora/utils/quoting.hpp"
 
+#include <algorithm>
 #include <array>
 #include <ostream>
+#include <stdexcept>
 
 namespace velmora::config {
 
 namespace {
+
+utils::Logger& log() {
+    static utils::Logger& logger = utils::logger("velmora.config.spec");
+    return logger;
+}
+
+Coercer coercer_of(KeyKind kind) {
+    const auto* const found =
+        std::find_if(_COERCERS.begin(), _COERCERS.end(),
+                     [kind](const auto& entry) { return entry.first == kind; });
+    if (found == _COERCERS.end()) throw std::out_of_range("a key of a kind that has no coercer");
+    return found->second;
+}
+
+bool is_one_of(const ConfigValue& value, const std::vector<std::string>& choices) {
+    const auto* text = value.get_if<std::string>();
+    return text != nullptr && std::find(choices.begin(), choices.end(), *text) != choices.end();
+}
+
+[[noreturn]] void refuse(const Key& key, const ConfigValue& value, const std::exception& error) {
+    throw ConfigKeyError("Cannot set " + key.label() + "=" + _shown(value) + ": expected " +
+                             std::string(name_of(key.kind())) + " (" + error.what() + ")",
+                         std::current_exception());
+}
+
+ConfigValue coerce_to_kind(const Key& key, const ConfigValue& value) {
+    try {
+        return coercer_of(key.kind())(value);
+    } catch (const ValueError& error) {
+        refuse(key, value, error);
+    } catch (const TypeError& error) {
+        refuse(key, value, error);
+    } catch (const OverflowError& error) {
+        refuse(key, value, error);
+    }
+}
+
+std::string sorted_and_joined(std::vector<std::string> texts) {
+    std::sort(texts.begin(), texts.end());
+    std::string out;
+    std::string_view separator;
+    for (const std::string& text : texts) {
+        out.append(separator).append(text);
+        separator = ", ";
+    }
+    return out;
+}
 
 std::string display_keys(const std::vector<Key>& keys) {
     std::string out = "[";
@@ -24,6 +75,44 @@ std::string display_keys(const std::vector<Key>& keys) {
 
 ConfigValue Key::default_value() const {
     return owner_.make().get<ConfigValue>(name_);
+}
+
+ConfigValue Key::coerce(const ConfigValue& value) const {
+    ConfigValue coerced = coerce_to_kind(*this, value);
+    const auto refuse_for = [&](const std::string& why) {
+        throw ConfigKeyError("Invalid value for " + label() + ": " + display(coerced) + why);
+    };
+    const std::vector<std::string>& choices = setting_->choices();
+    if (!choices.empty() && !is_one_of(coerced, choices))
+        refuse_for(". Must be one of: " + sorted_and_joined(choices));
+    const std::optional<Bound>& bounds = setting_->bounds();
+    if (bounds && !bounds->admits(coerced)) refuse_for(". It must be " + bounds->text());
+    return coerced;
+}
+
+Record Section::read(const ConfigValue& data) const {
+    RecordDraft draft(kind_);
+    const auto* mapping = data.get_if<Mapping>();
+    if (mapping == nullptr) {
+        if (!data.is_null())
+            log().warning("Ignoring the %s section of the config file: it is not a mapping", name_);
+        return std::move(draft).finish();
+    }
+    std::size_t expected_entry = 0;
+    std::size_t expected_field = 0;
+    for (const Key& key : keys_) {
+        const std::size_t field = kind_.position_of(key.name(), expected_field++);
+        const Mapping::Entry* entry = mapping->find_entry(key.name(), expected_entry);
+        if (entry == nullptr) continue;
+        expected_entry = static_cast<std::size_t>(entry - mapping->begin()) + 1;
+        try {
+            draft.give(field, key.coerce(entry->value));
+        } catch (const ConfigKeyError& error) {
+            log().warning("Ignoring %s in the config file: %s; keeping the default %r", key.label(),
+                          error, key.default_value());
+        }
+    }
+    return std::move(draft).finish();
 }
 
 bool operator==(const Key& a, const Key& b) {

@@ -50,6 +50,12 @@ public:
     /// share one. Makes the defaults of the whole section; what a default factory throws passes.
     ConfigValue default_value() const;
 
+    /// The value that the key takes for a raw value, whatever its source: turned into the key's
+    /// kind, then tested against its choices and its bounds. Throws ConfigKeyError, which names the
+    /// key and shows the value; where the value has no reading as the kind, its cause is the error
+    /// that says why.
+    ConfigValue coerce(const ConfigValue& value) const;
+
     /// Equal in all six fields.
     friend bool operator==(const Key& a, const Key& b);
 
@@ -78,6 +84,13 @@ public:
     const SectionSetting& setting() const noexcept { return *setting_; }
     /// In the order of the fields of `kind`.
     const std::vector<Key>& keys() const noexcept { return keys_; }
+
+    /// A new record of what a configuration file holds under the section's name. A key that the
+    /// file does not give, or gives a value that is refused, takes its default, the latter with a
+    /// warning to the logger velmora.config.spec; so do all keys when `data` is null or, with a
+    /// warning, no mapping. Names that are no keys are ignored. What `Key::coerce` or a default
+    /// factory throws besides ConfigKeyError passes.
+    Record read(const ConfigValue& data) const;
 
     /// Equal in all four fields.
     friend bool operator==(const Section& a, const Section& b);

@@ -30,23 +30,24 @@ class Mapping::Data : public Shared {
 public:
     std::vector<Entry> entries;
 
-    // The position of the entry whose key `matches`, a predicate that holds only for keys of this
-    // hash; the number of entries when there is none. `hash` is called only when it is needed.
+    // The entry whose key `matches`, a predicate that holds only for keys of this hash; null when
+    // there is none. `hash` is called only when it is needed.
     template <class Hash, class Matches>
-    std::size_t position(Hash hash, Matches matches) const {
+    Entry* find(Hash hash, Matches matches) {
         if (entries.size() <= searched_one_by_one) {
             const auto found = std::find_if(entries.begin(), entries.end(),
                                             [&](const Entry& entry) { return matches(entry.key); });
-            return static_cast<std::size_t>(found - entries.begin());
+            return found == entries.end() ? nullptr : &*found;
         }
         const auto [first, last] = by_hash_.equal_range(hash());
         const auto found = std::find_if(
             first, last, [&](const auto& item) { return matches(entries[item.second].key); });
-        return found == last ? entries.size() : found->second;
+        return found == last ? nullptr : &entries[found->second];
     }
 
-    const ConfigValue* value_at(std::size_t position) const {
-        return position < entries.size() ? &entries[position].value : nullptr;
+    Entry* find(const ConfigValue& key) {
+        return find([&] { return key.hash(); },
+                    [&](const ConfigValue& other) { return other == key; });
     }
 
     void append(ConfigValue key, ConfigValue value) {
@@ -149,31 +150,32 @@ const Mapping::Entry* Mapping::end() const noexcept {
     return begin() + size();
 }
 
-const ConfigValue* Mapping::find(std::string_view key, std::size_t expected) const {
+const ConfigValue* Mapping::find(std::string_view key) const {
+    const Entry* entry = find_entry(key, 0);
+    return entry != nullptr ? &entry->value : nullptr;
+}
+
+const Mapping::Entry* Mapping::find_entry(std::string_view key, std::size_t expected) const {
     const auto matches = [key](const ConfigValue& candidate) {
         const auto* text = candidate.get_if<std::string>();
         return text != nullptr && *text == key;
     };
-    const Data& all = data();
+    Data& all = data();
     if (expected < all.entries.size() && matches(all.entries[expected].key))
-        return all.value_at(expected);
-    return all.value_at(
-        all.position([key] { return std::hash<std::string_view>{}(key); }, matches));
+        return &all.entries[expected];
+    return all.find([key] { return std::hash<std::string_view>{}(key); }, matches);
 }
 
 const ConfigValue* Mapping::find_value(const ConfigValue& key) const {
-    return data().value_at(
-        data().position([&] { return key.hash(); },
-                        [&](const ConfigValue& candidate) { return candidate == key; }));
+    const Entry* entry = data().find(key);
+    return entry != nullptr ? &entry->value : nullptr;
 }
 
 void Mapping::set(ConfigValue key, ConfigValue value) {
     Data& all = data();
-    const auto position = all.position(
-        [&] { return key.hash(); }, [&](const ConfigValue& candidate) { return candidate == key; });
     if (Shared* child = value.shared()) all.before_adding(*child);
-    if (position < all.entries.size()) {
-        std::swap(all.entries[position].value, value);
+    if (Entry* entry = all.find(key)) {
+        std::swap(entry->value, value);
         return;
     }
     if (Shared* child = key.shared()) all.before_adding(*child);

@@ -86,12 +86,14 @@ public:
     const Entry* end() const noexcept;
 
     /// The value under `key`, null when there is none; valid until the mapping is changed. Takes
-    /// constant expected time. `expected`, where the caller has a guess, is the position of the
-    /// entry that is looked at before any search.
-    const ConfigValue* find(std::string_view key, std::size_t expected = 0) const;
+    /// constant expected time.
+    const ConfigValue* find(std::string_view key) const;
     const ConfigValue* find(const std::same_as<ConfigValue> auto& key) const {
         return find_value(key);
     }
+    /// The entry under `key`, like `find`, for a caller who guesses its position: the entry at
+    /// `expected` is looked at before any search.
+    const Entry* find_entry(std::string_view key, std::size_t expected) const;
 
     /// Puts `value` under `key`: in place of the value that is there, else in a new entry at the
     /// end.

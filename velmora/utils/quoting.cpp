@@ -105,6 +105,20 @@ std::string quoted_text(std::string_view text) {
     return out;
 }
 
+std::string one_line(std::string_view text) {
+    std::string out;
+    while (!text.empty()) {
+        const Character character = first_character(text);
+        if (is_printable(character.code)) {
+            out += text.substr(0, character.size);
+        } else {
+            append_escaped(out, character.code);
+        }
+        text.remove_prefix(character.size);
+    }
+    return out;
+}
+
 std::string cut(std::string form) {
     constexpr std::string_view marker = "...";
     if (prefix_size(form, shown_characters) == form.size()) return form;

@@ -29,6 +29,10 @@ std::string quoted_text(std::string_view text);
 /// "..." behind them.
 std::string cut(std::string form);
 
+/// `text` with every character that is not printable escaped, and nothing else changed: fit for a
+/// terminal or a line of a log.
+std::string one_line(std::string_view text);
+
 /// The quoted form of `text`, cut.
 std::string shown_text(std::string_view text);
 

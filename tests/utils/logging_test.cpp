@@ -1,0 +1,113 @@
+#include "velmora/utils/logging.hpp"
+
+#include <mutex>
+#include <stdexcept>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+namespace velmora::utils {
+namespace {
+
+// Counts how often it is written.
+struct Watched {
+    int* writes;
+};
+std::string plain_text(const Watched& watched) {
+    return ++*watched.writes, "plain";
+}
+std::string display(const Watched& watched) {
+    return ++*watched.writes, "<shown>";
+}
+
+class Logging : public testing::Test {
+protected:
+    void SetUp() override {
+        set_sink([this](const LogRecord& record) {
+            const std::lock_guard lock(mutex);
+            records.push_back(record);
+        });
+    }
+    void TearDown() override { set_sink({}); }
+
+    std::mutex mutex;
+    std::vector<LogRecord> records;
+};
+
+TEST_F(Logging, FillsTemplatesInEvenWhereArgumentsDoNotFit) {
+    const LogArgument one("o'ne");
+    const LogArgument two(std::runtime_error("two"));
+    const std::tuple<const char*, std::vector<LogArgument>, const char*> cases[] = {
+        {"plain", {}, "plain"},
+        {"%s, %r, 100%%", {one, one}, "o'ne, \"o'ne\", 100%"},
+        {"%r%s", {two, two}, "'two'two"},
+        {"%s and %s", {one}, "o'ne and %s"},
+        {"only %s", {one, two, one}, "only o'ne ('two', \"o'ne\")"},
+        {"%d%", {one}, "%d% (\"o'ne\")"},
+        {"%%s", {}, "%s"},
+    };
+    for (const auto& [message_template, arguments, message] : cases) {
+        EXPECT_EQ(LogRecord("l", Level::info, message_template, arguments).message(), message);
+    }
+}
+
+TEST_F(Logging, WritesArgumentsOnlyWhenTheTextIsAskedFor) {
+    int writes = 0;
+    Logger& log = logger("test.lazy");
+    EXPECT_EQ(&log, &logger("test.lazy"));
+    log.warning("%s and %r", Watched{&writes}, Watched{&writes});
+    log.log(Level::info, "%s", Watched{&writes});
+    ASSERT_EQ(records.size(), 1U);
+    EXPECT_EQ(records[0].logger(), "test.lazy");
+    EXPECT_EQ(records[0].level(), Level::warning);
+    EXPECT_EQ(writes, 0);
+    EXPECT_EQ(records[0].message(), "plain and <shown>");
+    EXPECT_EQ(writes, 2);
+}
+
+TEST_F(Logging, TakesLevelsFromTheNearestLoggerAbove) {
+    Logger& leaf = logger("test.levels.leaf");
+    Logger& sibling = logger("test.levelsibling");
+    EXPECT_EQ(leaf.level(), Level::warning);
+    logger("test.levels").set_level(Level::debug);
+    logger("test").set_level(Level::error);
+    EXPECT_EQ(leaf.level(), Level::debug);
+    EXPECT_EQ(sibling.level(), Level::error);
+    EXPECT_EQ(logger("test.levels.new").level(), Level::debug);
+    logger("test.levels").set_level({});
+    EXPECT_EQ(leaf.level(), Level::error);
+    logger("").set_level(Level::info);
+    logger("test").set_level({});
+    EXPECT_TRUE(leaf.enabled(Level::info));
+    EXPECT_FALSE(leaf.enabled(Level::debug));
+    logger("").set_level({});
+}
+
+TEST_F(Logging, FallsBackToOneLineOnStandardError) {
+    for (const bool throwing : {true, false}) {
+        set_sink(throwing ? LogSink([](const LogRecord&) { throw std::runtime_error("full"); })
+                          : LogSink());
+        testing::internal::CaptureStderr();
+        logger("test.stderr").warning("%s", "two\nlines\x1b\xff");
+        EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                  "test.stderr: warning: two\\nlines\\x1b\\udcff\n");
+    }
+}
+
+TEST_F(Logging, IsSafeFromSeveralThreads) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([i] {
+            for (int turn = 0; turn < 100; ++turn) {
+                Logger& log = logger("test.threads." + std::to_string(turn));
+                log.set_level(turn % 2 == 0 ? std::nullopt : std::optional(Level::debug));
+                log.warning("%s", std::to_string(i));
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(records.size(), 400U);
+}
+
+}  // namespace
+}  // namespace velmora::utils

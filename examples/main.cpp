@@ -1,7 +1,7 @@
 // Prints every key that the configuration declares.
-#include "settings.hpp"
-
 #include <iostream>
+
+#include "settings.hpp"
 
 using namespace velmora::config;
 

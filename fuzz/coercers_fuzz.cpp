@@ -1,15 +1,15 @@
 // Builds a value from bytes, shows it, and hands it to every coercer. The fuzzer and the replay of
 // its corpus in the tests run the same body.
-#include "velmora/config/spec.hpp"
-#include "velmora/utils/quoting.hpp"
-#include "velmora/utils/unicode.hpp"
-
 #include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
 #include <vector>
+
+#include "velmora/config/spec.hpp"
+#include "velmora/utils/quoting.hpp"
+#include "velmora/utils/unicode.hpp"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // The code of the README, compiled: its first block stands at namespace scope, its second in a
 // function.
-#include "readme_1.inc"
-
 #include <iostream>
 
 #include <gtest/gtest.h>
+
+#include "readme_1.inc"
 
 namespace {
 

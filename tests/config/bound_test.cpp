@@ -1,21 +1,21 @@
 #include "velmora/config/bound.hpp"
 
-#include "velmora/config/display.hpp"
-#include "velmora/utils/errors.hpp"
-
 #include <cmath>
 #include <limits>
 
 #include <gtest/gtest.h>
+
+#include "velmora/config/display.hpp"
+#include "velmora/utils/errors.hpp"
 
 namespace velmora::config {
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-static_assert(!std::is_assignable_v<decltype(POSITIVE.low()), Number>);
-static_assert(!std::is_assignable_v<decltype(POSITIVE.high()), Number>);
-static_assert(!std::is_assignable_v<decltype(POSITIVE.low_open()), bool>);
+static_assert(!std::is_assignable_v<decltype(std::declval<Bound&>().low()), Number>);
+static_assert(!std::is_assignable_v<decltype(std::declval<Bound&>().high()), Number>);
+static_assert(!std::is_constructible_v<Bound, int, int, int>);
 static_assert(!std::is_default_constructible_v<Bound>);
 static_assert(!std::is_constructible_v<Bound, bool>, "a flag is no number");
 static_assert(!std::is_constructible_v<Bound, int, bool>, "the second argument is the upper end");

@@ -1,11 +1,11 @@
 #include "velmora/config/coercers.hpp"
 
-#include "velmora/config/display.hpp"
-#include "velmora/utils/errors.hpp"
-
 #include <limits>
 
 #include <gtest/gtest.h>
+
+#include "velmora/config/display.hpp"
+#include "velmora/utils/errors.hpp"
 
 namespace velmora::config {
 namespace {

@@ -15,7 +15,7 @@ concept declares_section = requires(Args... args) {
 };
 
 static_assert(declares_key<int, const char*> && declares_key<int, const char*, SettingOptions>);
-static_assert(!declares_key<int> && !declares_key<>);
+static_assert(!declares_key<int> && !declares_key<> && !declares_key<int, std::nullptr_t>);
 static_assert(!declares_key<int, const char*, const char*>, "options are given by name");
 static_assert(declares_section<RecordType, const char*, SectionOptions>);
 static_assert(!declares_section<RecordType, const char*>, "what restarts must be given");

@@ -1,7 +1,5 @@
 #include "velmora/config/display.hpp"
 
-#include "velmora/utils/unicode.hpp"
-
 #include <bit>
 #include <charconv>
 #include <clocale>
@@ -9,6 +7,8 @@
 #include <random>
 
 #include <gtest/gtest.h>
+
+#include "velmora/utils/unicode.hpp"
 
 namespace velmora::config {
 namespace {

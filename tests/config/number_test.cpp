@@ -1,12 +1,12 @@
 #include "velmora/config/number.hpp"
 
-#include "velmora/config/display.hpp"
-#include "velmora/utils/errors.hpp"
-
 #include <cmath>
 #include <limits>
 
 #include <gtest/gtest.h>
+
+#include "velmora/config/display.hpp"
+#include "velmora/utils/errors.hpp"
 
 namespace velmora::config {
 namespace {

@@ -1,11 +1,11 @@
 // Checking the values of keys and reading sections.
-#include "velmora/config/spec.hpp"
-#include "velmora/utils/logging.hpp"
-
 #include <limits>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
+
+#include "velmora/config/spec.hpp"
+#include "velmora/utils/logging.hpp"
 
 namespace velmora::config {
 namespace {

@@ -1,8 +1,8 @@
 #include "velmora/config/record.hpp"
 
-#include "velmora/config/spec.hpp"
-
 #include <gtest/gtest.h>
+
+#include "velmora/config/spec.hpp"
 
 namespace velmora::config {
 namespace {
@@ -42,8 +42,9 @@ TEST(RecordType, ResolvesReferencesWhenAsked) {
         TypeReference("Alias", [] { return TypeReference("Node", [] { return node; }); });
     EXPECT_EQ(alias.resolved().record_type(), node);
     static const TypeReference endless("Endless", [] { return endless; });
+    static const TypeReference recursive("Recursive", [] { return list_of(recursive); });
     for (const TypeReference& reference :
-         {endless, TypeReference("Missing", [] { return std::nullopt; }),
+         {endless, recursive, TypeReference("Missing", [] { return std::nullopt; }),
           TypeReference("Null", nullptr)}) {
         EXPECT_EQ(message_of<TypeError>([&] {
                       RecordType("T", {{"f", list_of(reference)}}).resolve_types();
@@ -90,25 +91,30 @@ TEST(RecordType, MakesRecordsOfWhatIsGivenAndDefaults) {
 
 TEST(Record, ReadsFieldsAsCppTypes) {
     const RecordType inner("Inner", {{"port", int_type, setting(70000, "")}});
-    const RecordType outer("Outer",
-                           {{"inner", inner, section(inner, "", {.restart = Restart::none})},
-                            {"ratio", float_type, setting(0, "")},
-                            {"count", int_type, setting(3, "")},
-                            {"tags", list_of(str_type), setting(List{"a", "b"}, "")},
-                            {"user", str_type, setting(nullptr, "")}});
+    const RecordType outer(
+        "Outer",
+        {{"inner", inner, section(inner, "", {.restart = Restart::none})},
+         {"ratio", TypeReference("float", [] { return float_type; }), setting(0, "")},
+         {"huge", float_type, setting(Integer::parse("1" + std::string(400, '0')).value(), "")},
+         {"count", int_type, setting(3, "")},
+         {"tags", list_of(str_type), setting(List{"a", "b"}, "")},
+         {"user", str_type, setting(nullptr, "")}});
     Record record = outer.make();
     EXPECT_EQ(record.get<Record>("inner").get<std::int64_t>("port"), 70000);
     EXPECT_EQ(record.get<std::vector<std::string>>("tags"), (std::vector<std::string>{"a", "b"}));
     EXPECT_EQ(record.get<std::optional<std::string>>("user"), std::nullopt);
     EXPECT_EQ(record.get<double>("ratio"), 0.0) << "an integer default of a float";
+    EXPECT_EQ(record.get<std::optional<double>>("ratio"), 0.0);
 
-    const std::pair<std::function<void()>, const char*> failures[] = {
+    const std::pair<std::function<void()>, std::string> failures[] = {
         {[&] { (void)record.get<int>("cuont"); }, "Outer has no field 'cuont'"},
         {[&] { (void)record.get<std::string>("count"); }, "Outer.count holds 3, not a text"},
         {[&] { (void)record.get<double>("count"); }, "Outer.count holds 3, not a float"},
+        {[&] { (void)record.get<double>("huge"); },
+         "Outer.huge holds 1" + std::string(76, '0') + "..., not a float"},
         {[&] { (void)record.get<Record>("count"); }, "Outer.count holds 3, not a record"},
         {[&] { (void)record.get<int>("inner"); },
-         "Outer.inner holds a Inner record, not an integer from -2147483648 to 2147483647"},
+         "Outer.inner holds a record of Inner, not an integer from -2147483648 to 2147483647"},
         {[&] { (void)record.get<Record>("inner").get<std::int16_t>("port"); },
          "Inner.port holds 70000, not an integer from -32768 to 32767"},
         {[&] { record.set("cuont", 1); }, "Outer has no field 'cuont'"},
@@ -116,6 +122,10 @@ TEST(Record, ReadsFieldsAsCppTypes) {
     for (const auto& [action, message] : failures)
         EXPECT_EQ(message_of<TypeError>(action), message);
 
+    record.set("inner", inner.make({{"port", 1}}));
+    Record within = record;
+    within = *within["inner"].if_record();
+    EXPECT_EQ(display(within), "Inner(port=1)");
     const Record before = record;
     record.set("count", 4);
     EXPECT_EQ(before.get<int>("count"), 3);

@@ -1,10 +1,11 @@
 #include "velmora/config/schema.hpp"
 
-#include "velmora/config/spec.hpp"
-
+#include <cmath>
 #include <unordered_set>
 
 #include <gtest/gtest.h>
+
+#include "velmora/config/spec.hpp"
 
 namespace velmora::config {
 
@@ -34,11 +35,12 @@ const std::vector<Section> sections_at_start = sections_of(config);
 
 const RecordType& limits() {
     static const RecordType type(
-        "Limits", {
-                      {"ratio", float_type,
-                       setting(0, "Share.", {.bounds = PROBABILITY, .restart = Restart::none})},
-                      {"strict", bool_type, setting(nullptr, "Whether to be strict.")},
-                  });
+        "Limits",
+        {
+            {"ratio", float_type,
+             setting(0, "Share.", {.bounds = Bound(std::nan("")), .restart = Restart::none})},
+            {"strict", bool_type, setting(nullptr, "Whether to be strict.")},
+        });
     return type;
 }
 
@@ -164,7 +166,7 @@ TEST(Key, IsEqualInAllFieldsAndHidesItsOwner) {
               "Section(name='s', kind=RecordType('Server'), setting=SectionSetting(doc='d', "
               "restart='none'), keys=[" +
                   testing::PrintToString(keys[0]) + "])");
-    static_assert(!std::is_assignable_v<decltype(keys[0].name()), std::string>);
+    static_assert(!std::is_assignable_v<decltype(std::declval<Key&>().name()), std::string>);
     static_assert(!std::totally_ordered<Key> && !std::totally_ordered<Section>);
 }
 

@@ -1,11 +1,11 @@
 #include "velmora/config/value.hpp"
 
-#include "velmora/config/display.hpp"
-#include "velmora/utils/errors.hpp"
-
 #include <thread>
 
 #include <gtest/gtest.h>
+
+#include "velmora/config/display.hpp"
+#include "velmora/utils/errors.hpp"
 
 namespace velmora::config {
 namespace {
@@ -16,6 +16,10 @@ static_assert(!std::is_constructible_v<ConfigValue, void (*)()>);
 static_assert(!std::is_constructible_v<ConfigValue, char>,
               "a letter is neither a text nor a number");
 static_assert(!std::is_constructible_v<ConfigValue, long double>, "a double may not hold it");
+static_assert(!std::is_constructible_v<List, std::initializer_list<int>> &&
+              !std::is_convertible_v<int, List>);
+static_assert(!std::is_constructible_v<List, int, int*>);
+static_assert(!std::is_constructible_v<Mapping::Entry, const char*>, "a key needs a value");
 static_assert(std::is_nothrow_move_constructible_v<ConfigValue>);
 
 TEST(ConfigValue, IsWhatItIsMadeFrom) {
@@ -47,7 +51,7 @@ TEST(ConfigValue, ReadsAsCppTypesWithoutConversion) {
     const ConfigValue list = List{"a", "b"};
     EXPECT_EQ(list.get<std::vector<std::string>>(), (std::vector<std::string>{"a", "b"}));
     EXPECT_EQ(ConfigValue().get<std::optional<std::string>>(), std::nullopt);
-    EXPECT_EQ(ConfigValue("a").get<std::optional<std::string_view>>(), "a");
+    EXPECT_EQ(ConfigValue("a").get<std::optional<std::string>>(), "a");
     EXPECT_EQ(ConfigValue(7).as<double>(), std::nullopt);
     EXPECT_EQ(ConfigValue(1).as<bool>(), std::nullopt);
     EXPECT_EQ(ConfigValue(true).as<int>(), std::nullopt);
@@ -100,6 +104,19 @@ TEST(ConfigValue, IsNullOnceMovedFrom) {
     EXPECT_EQ(display(taken), "[1]");
 }
 
+TEST(ConfigValue, MayBeAssignedFromWithinItself) {
+    for (const ConfigValue& inside : {ConfigValue(), ConfigValue(true), ConfigValue(7),
+                                      ConfigValue(0.5), ConfigValue("a text of some length"),
+                                      ConfigValue(List{1, 2}), ConfigValue(Mapping{{"a", 1}})}) {
+        ConfigValue in_list = List{ConfigValue(inside)};
+        in_list = (*in_list.get_if<List>())[0];
+        EXPECT_EQ(in_list, inside);
+        ConfigValue in_mapping = Mapping{{"key", inside}};
+        in_mapping = *in_mapping.get_if<Mapping>()->find("key");
+        EXPECT_EQ(in_mapping, inside);
+    }
+}
+
 TEST(List, IsSharedByCopiesOfItsHandle) {
     List list{1};
     const ConfigValue alias = list;
@@ -130,13 +147,17 @@ TEST(Mapping, KeepsOrderAndReplacesValues) {
         for (const auto& [key, value] : copy) {
             ASSERT_EQ(key, ConfigValue("key" + std::to_string(i)));
             ASSERT_EQ(*mapping.find(key), ConfigValue(2 * i));
-            ASSERT_EQ(copy.find(key.get<std::string_view>()), &value);
-            ASSERT_EQ(&copy.find_entry(key.get<std::string_view>(), 5)->value, &value);
+            ASSERT_EQ(copy.find(*key.get_if<std::string>()), &value);
+            ASSERT_EQ(&copy.find_entry(*key.get_if<std::string>(), 5)->value, &value);
             ++i;
         }
-        EXPECT_EQ(*mapping.find(ConfigValue(List{1.0})), ConfigValue("list"));
-        EXPECT_EQ(*mapping.find(ConfigValue(true)), ConfigValue("flag"));
-        EXPECT_EQ(*mapping.find(ConfigValue(1)), ConfigValue("same number"));
+        EXPECT_EQ(*mapping.find(List{1.0}), ConfigValue("list"));
+        EXPECT_EQ(*mapping.find(true), ConfigValue("flag"));
+        EXPECT_EQ(*mapping.find(1), ConfigValue("same number"));
+        EXPECT_EQ(mapping.find(0), nullptr);
+        EXPECT_EQ(mapping.find(nullptr), nullptr);
+        EXPECT_EQ(*ConfigValue(mapping).deep_copy().get<Mapping>().find(List{1}),
+                  ConfigValue("list"));
         EXPECT_EQ(mapping.find("1"), nullptr);
         EXPECT_EQ(copy.find("key"), nullptr);
     }
@@ -178,6 +199,12 @@ TEST(Nesting, MayContainItself) {
     }
     List loop{1};
     loop.push_back(loop);
+    List set_item{1};
+    set_item.set(0, set_item);
+    Mapping as_value;
+    as_value.set("v", as_value);
+    Mapping as_key;
+    as_key.set(as_key, 1);
     Mapping mapping{{"loop", loop}};
     mapping.set(mapping, mapping);
     List other{1, List{1}};

@@ -1,12 +1,12 @@
 // Texts: their characters, their quoted form, and the flags and lists that they spell.
+#include <random>
+
+#include <gtest/gtest.h>
+
 #include "velmora/utils/errors.hpp"
 #include "velmora/utils/quoting.hpp"
 #include "velmora/utils/text_values.hpp"
 #include "velmora/utils/unicode.hpp"
-
-#include <random>
-
-#include <gtest/gtest.h>
 
 namespace velmora::utils {
 namespace {

@@ -1,10 +1,10 @@
 #include "velmora/config/bound.hpp"
 
+#include <ostream>
+
 #include "velmora/config/display.hpp"
 #include "velmora/utils/errors.hpp"
 #include "velmora/utils/hash.hpp"
-
-#include <ostream>
 
 namespace velmora::config {
 

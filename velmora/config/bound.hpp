@@ -1,12 +1,13 @@
 // The numbers that a key accepts.
 #pragma once
 
-#include "velmora/config/value.hpp"
-
+#include <concepts>
 #include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string>
+
+#include "velmora/config/value.hpp"
 
 namespace velmora::config {
 
@@ -20,10 +21,13 @@ struct BoundOptions {
 /// one. Ends are kept as they are given; a bound whose `low` lies above its `high` admits nothing.
 class Bound {
 public:
-    explicit Bound(Number low, std::optional<Number> high = std::nullopt, bool low_open = false)
-        : low_(std::move(low)), high_(std::move(high)), low_open_(low_open) {}
+    explicit Bound(Number low, std::optional<Number> high = std::nullopt)
+        : Bound(std::move(low), BoundOptions{.high = std::move(high)}) {}
+    template <std::same_as<bool> Flag>
+    Bound(Number low, std::optional<Number> high, Flag low_open)
+        : Bound(std::move(low), BoundOptions{std::move(high), low_open}) {}
     Bound(Number low, BoundOptions options)
-        : Bound(std::move(low), std::move(options.high), options.low_open) {}
+        : low_(std::move(low)), high_(std::move(options.high)), low_open_(options.low_open) {}
 
     const Number& low() const noexcept { return low_; }
     const std::optional<Number>& high() const noexcept { return high_; }

@@ -1,10 +1,5 @@
 #include "velmora/config/coercers.hpp"
 
-#include "velmora/config/display.hpp"
-#include "velmora/utils/errors.hpp"
-#include "velmora/utils/text_values.hpp"
-#include "velmora/utils/unicode.hpp"
-
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -14,6 +9,11 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "velmora/config/display.hpp"
+#include "velmora/utils/errors.hpp"
+#include "velmora/utils/text_values.hpp"
+#include "velmora/utils/unicode.hpp"
 
 namespace velmora::config {
 

@@ -2,12 +2,12 @@
 // value alone.
 #pragma once
 
-#include "velmora/config/kind.hpp"
-#include "velmora/config/value.hpp"
-
 #include <array>
 #include <string>
 #include <utility>
+
+#include "velmora/config/kind.hpp"
+#include "velmora/config/value.hpp"
 
 namespace velmora::config {
 

@@ -1,13 +1,13 @@
 #include "velmora/config/declaration.hpp"
 
-#include "velmora/config/display.hpp"
-#include "velmora/utils/hash.hpp"
-#include "velmora/utils/quoting.hpp"
-
 #include <array>
 #include <memory>
 #include <ostream>
 #include <tuple>
+
+#include "velmora/config/display.hpp"
+#include "velmora/utils/hash.hpp"
+#include "velmora/utils/quoting.hpp"
 
 namespace velmora::config {
 
@@ -51,8 +51,8 @@ FieldDetails section(RecordType kind, std::string doc, SectionOptions options) {
 
 FieldDetails section(TypeReference kind, std::string doc, SectionOptions options) {
     return section_details(
-        [kind = std::move(kind)] { return kind.resolved().record_type().make(); }, std::move(doc),
-        options);
+        [kind = std::move(kind)] { return DeclaredType(kind).resolved().record_type().make(); },
+        std::move(doc), options);
 }
 
 std::string display(const Setting& setting) {

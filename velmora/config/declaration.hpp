@@ -10,10 +10,6 @@
 //     });
 #pragma once
 
-#include "velmora/config/bound.hpp"
-#include "velmora/config/record.hpp"
-#include "velmora/utils/errors.hpp"
-
 #include <exception>
 #include <functional>
 #include <iosfwd>
@@ -22,6 +18,10 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "velmora/config/bound.hpp"
+#include "velmora/config/record.hpp"
+#include "velmora/utils/errors.hpp"
 
 namespace velmora::config {
 
@@ -118,12 +118,15 @@ struct SectionOptions {
 /// every record, so that no two records share one; other defaults are taken as they are, unchecked.
 FieldDetails setting(const ConfigValue& default_value, std::string doc,
                      SettingOptions options = {});
+FieldDetails setting(const ConfigValue& default_value, std::nullptr_t doc,
+                     SettingOptions options = {}) = delete;
 
 /// Declares a section by its record type, or a reference to it, and a paragraph of doc. Its default
 /// is a fresh record of that type; what the section holds is the declared type of its field, which
 /// should be the same.
 FieldDetails section(RecordType kind, std::string doc, SectionOptions options);
 FieldDetails section(TypeReference kind, std::string doc, SectionOptions options);
+FieldDetails section(const DeclaredType& kind, std::nullptr_t doc, SectionOptions options) = delete;
 
 std::string display(const Setting& setting);
 std::string display(const SectionSetting& setting);

@@ -1,7 +1,5 @@
 #include "velmora/config/display.hpp"
 
-#include "velmora/utils/quoting.hpp"
-
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -9,6 +7,8 @@
 #include <ostream>
 #include <unordered_set>
 #include <vector>
+
+#include "velmora/utils/quoting.hpp"
 
 namespace velmora::config {
 
@@ -148,9 +148,10 @@ std::string _shown(const ConfigValue& value) {
 }
 
 std::string display_record(std::string_view name,
-                           std::initializer_list<std::pair<std::string_view, std::string>> fields) {
+                           const std::vector<std::pair<std::string_view, std::string>>& fields) {
     std::string out(name);
-    std::string_view separator = "(";
+    out += '(';
+    std::string_view separator;
     for (const auto& [field, form] : fields) {
         out.append(separator).append(field).append("=").append(form);
         separator = ", ";

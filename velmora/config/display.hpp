@@ -1,21 +1,19 @@
 // How values and records are written in messages.
 #pragma once
 
-#include "velmora/config/value.hpp"
-
 #include <cstddef>
-#include <initializer_list>
 #include <iosfwd>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
+
+#include "velmora/config/value.hpp"
 
 namespace velmora::config {
 
-/// The value so that no two kinds look alike: None, True, 42, 1.0, 'text', ['a', 1], {'key': None}.
-/// Texts are quoted as `utils::quoted_text` does; a list or mapping that occurs again inside itself
-/// is
-/// "[...]" or
+/// The value so that no two kinds look alike: None, True, 42, 1.0, 'text', ['a', 1], {'key': None}. Texts are
+/// quoted as `utils::quoted_text` does; a list or mapping that occurs again inside itself is "[...]" or
 /// "{...}" there. Always finite, valid UTF-8.
 std::string display(const ConfigValue& value);
 
@@ -28,7 +26,7 @@ std::string _shown(const ConfigValue& value);
 
 /// The display form of a record: its name and, in parentheses, each field's name and display form.
 std::string display_record(std::string_view name,
-                           std::initializer_list<std::pair<std::string_view, std::string>> fields);
+                           const std::vector<std::pair<std::string_view, std::string>>& fields);
 
 /// Writes the display form.
 std::ostream& operator<<(std::ostream& out, const ConfigValue& value);

@@ -1,11 +1,11 @@
 #include "velmora/config/integer.hpp"
 
-#include "velmora/utils/errors.hpp"
-
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
+
+#include "velmora/utils/errors.hpp"
 
 namespace velmora::config {
 

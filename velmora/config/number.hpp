@@ -1,13 +1,13 @@
 // A number: an integer of any size or a double, in one exact order.
 #pragma once
 
-#include "velmora/config/integer.hpp"
-
 #include <compare>
 #include <concepts>
 #include <functional>
 #include <string>
 #include <variant>
+
+#include "velmora/config/integer.hpp"
 
 namespace velmora::config {
 

@@ -1,18 +1,17 @@
 #include "velmora/config/record.hpp"
 
-#include "velmora/config/display.hpp"
-#include "velmora/utils/errors.hpp"
-#include "velmora/utils/quoting.hpp"
-
 #include <algorithm>
 #include <array>
 #include <ostream>
 #include <unordered_map>
 
+#include "velmora/config/display.hpp"
+#include "velmora/utils/errors.hpp"
+#include "velmora/utils/quoting.hpp"
+
 namespace velmora::config {
 
-// --- RecordType
-// -----------------------------------------------------------------------------------
+// --- RecordType ---
 
 struct RecordType::Data {
     std::string name;
@@ -67,22 +66,10 @@ Record RecordType::make() const {
     return RecordDraft(*this).finish();
 }
 
-// --- Declared types
-// -------------------------------------------------------------------------------
+// --- Declared types ---
 
-DeclaredType TypeReference::resolved() const {
-    // Long chains of references are taken for endless ones.
-    constexpr int most_steps = 100;
-    TypeReference reference = *this;
-    for (int step = 0; step < most_steps; ++step) {
-        const std::optional<DeclaredType> type =
-            reference.resolve_ ? reference.resolve_() : std::nullopt;
-        if (!type) break;
-        const TypeReference* next = type->if_reference();
-        if (next == nullptr) return type->resolved();
-        reference = TypeReference(*next);
-    }
-    throw TypeError("the reference " + utils::quoted_text(name_) + " names no type");
+std::optional<DeclaredType> TypeReference::target() const {
+    return resolve_ ? resolve_() : std::nullopt;
 }
 
 DeclaredType DeclaredType::list_of(const DeclaredType& element) {
@@ -105,9 +92,21 @@ const RecordType& DeclaredType::record_type() const {
 }
 
 DeclaredType DeclaredType::resolved() const {
-    if (const TypeReference* reference = if_reference()) return reference->resolved();
-    if (const auto* list = std::get_if<ListOf>(&form_)) return list_of(list->element->resolved());
-    return *this;
+    // A longer way of references and lists is taken for one without an end.
+    constexpr int most_steps = 100;
+    return resolved(most_steps);
+}
+
+DeclaredType DeclaredType::resolved(int most_steps) const {
+    if (const auto* list = std::get_if<ListOf>(&form_))
+        return list_of(list->element->resolved(most_steps));
+    const auto* reference = std::get_if<TypeReference>(&form_);
+    if (reference == nullptr) return *this;
+    const std::optional<DeclaredType> target = most_steps > 0 ? reference->target() : std::nullopt;
+    if (!target)
+        throw TypeError("the reference " + utils::quoted_text(reference->name()) +
+                        " names no type");
+    return target->resolved(most_steps - 1);
 }
 
 std::string DeclaredType::name() const {
@@ -126,19 +125,23 @@ std::string DeclaredType::name() const {
     return std::visit(Name{}, form_);
 }
 
-// --- Metadata
-// -------------------------------------------------------------------------------------
+// --- Metadata ---
 
 Descriptor Metadata::operator[](std::string_view key) const {
     const auto found = entries_.find(key);
     return found != entries_.end() ? found->second : Descriptor();
 }
 
-// --- Records
-// --------------------------------------------------------------------------------------
+// --- Records ---
 
 Record::Record(RecordType type, std::vector<FieldValue> values)
     : type_(std::move(type)), values_(std::move(values)) {}
+
+Record& Record::operator=(Record other) noexcept {
+    std::swap(type_, other.type_);
+    std::swap(values_, other.values_);
+    return *this;
+}
 
 const FieldValue& Record::operator[](std::string_view field) const {
     return values_[type_.position_of(field)];
@@ -152,22 +155,24 @@ bool operator==(const Record& a, const Record& b) {
     return a.type_ == b.type_ && a.values_ == b.values_;
 }
 
-void Record::throw_unwanted(std::string_view field, std::string_view wanted) const {
-    const FieldValue& held = (*this)[field];
-    const std::string shown = held.if_record() != nullptr
-                                  ? "a " + held.if_record()->type().name() + " record"
-                                  : _shown(*held.if_value());
-    throw TypeError(type_.name() + "." + std::string(field) + " holds " + shown + ", not " +
-                    std::string(wanted));
+void Record::throw_unwanted(std::size_t position, std::string_view wanted) const {
+    const Record* record = values_[position].if_record();
+    const std::string held = record != nullptr ? "a record of " + record->type().name()
+                                               : _shown(*values_[position].if_value());
+    throw TypeError(type_.name() + "." + type_.fields()[position].name() + " holds " + held +
+                    ", not " + std::string(wanted));
 }
 
-std::optional<double> Record::float_field(std::string_view field) const {
-    const std::size_t position = type_.position_of(field);
+std::optional<double> Record::float_at(std::size_t position) const {
     const ConfigValue* value = values_[position].if_value();
-    if (value == nullptr || !type_.fields()[position].type().is(DeclaredType::Basic::float_))
+    const auto* integer = value != nullptr ? value->get_if<Integer>() : nullptr;
+    const DeclaredType& type = type_.fields()[position].type();
+    if (integer == nullptr || !type.resolved().is(DeclaredType::Basic::float_)) return std::nullopt;
+    try {
+        return integer->to_double();
+    } catch (const OverflowError&) {
         return std::nullopt;
-    const auto* integer = value->get_if<Integer>();
-    return integer != nullptr ? std::optional(integer->to_double()) : std::nullopt;
+    }
 }
 
 RecordDraft::RecordDraft(RecordType type) : type_(std::move(type)) {
@@ -192,15 +197,13 @@ Record RecordDraft::finish() && {
 }
 
 std::string display(const Record& record) {
-    std::string out = record.type().name();
-    std::string_view separator = "(";
+    std::vector<std::pair<std::string_view, std::string>> fields;
     for (const FieldDecl& field : record.type().fields()) {
         const FieldValue& held = record[field.name()];
-        out.append(separator).append(field.name()).append("=");
-        out += held.if_record() != nullptr ? display(*held.if_record()) : display(*held.if_value());
-        separator = ", ";
+        fields.emplace_back(field.name(), held.if_record() != nullptr ? display(*held.if_record())
+                                                                      : display(*held.if_value()));
     }
-    return out += record.type().fields().empty() ? "()" : ")";
+    return display_record(record.type().name(), fields);
 }
 
 std::string display(const RecordType& type) {

@@ -1,16 +1,13 @@
 // Record types: declared fields, and the records made of them.
 //
-//     const RecordType point("Point", {{"x", float_type, {.default_value = ConfigValue(0.0)}},
-//                                      {"label", str_type, {.default_value =
-//                                      ConfigValue("origin")}}});
+//     const RecordType point("Point", {{"x", float_type, {.default_value = 0.0}},
+//                                      {"label", str_type, {.default_value = "origin"}}});
 //     Record record = point.make({{"x", 1.5}});
 //     record.get<std::string>("label");  // "origin"
 //
 // A configuration is declared with the functions of declaration.hpp rather than field by field like
 // this.
 #pragma once
-
-#include "velmora/config/value.hpp"
 
 #include <any>
 #include <compare>
@@ -28,6 +25,8 @@
 #include <variant>
 #include <vector>
 
+#include "velmora/config/value.hpp"
+
 namespace velmora::config {
 
 class DeclaredType;
@@ -35,7 +34,6 @@ class FieldDecl;
 class FieldValue;
 class Record;
 
-/// A value given for a field.
 struct Given;
 
 /// An ordered list of declared fields. A handle: copies are one type, which equals only itself,
@@ -80,7 +78,8 @@ private:
 /// resolved when the declared types are asked for, and owns nothing.
 class TypeReference {
 public:
-    /// Returns the type, or nothing when there is none.
+    /// Returns the type, or nothing when there is none. What it returns must be built by the time it is
+    /// called: where static initialisers in several files resolve types, return a static of a function.
     using Resolve = std::function<std::optional<DeclaredType>()>;
 
     /// `name` is what messages call the type.
@@ -89,9 +88,8 @@ public:
 
     const std::string& name() const noexcept { return name_; }
 
-    /// The type itself, also where the reference leads to another one. Throws TypeError when there
-    /// is none.
-    DeclaredType resolved() const;
+    /// The type that it refers to, which may be another reference.
+    std::optional<DeclaredType> target() const;
 
 private:
     std::string name_;
@@ -116,9 +114,6 @@ public:
     static DeclaredType other(std::string name);
 
     bool is(Basic basic) const noexcept;
-    const TypeReference* if_reference() const noexcept {
-        return std::get_if<TypeReference>(&form_);
-    }
     bool is_list_with_element() const noexcept { return std::holds_alternative<ListOf>(form_); }
 
     /// The record type that this is. Throws TypeError when it is none.
@@ -137,6 +132,8 @@ private:
     struct Other {
         std::string name;
     };
+
+    DeclaredType resolved(int most_steps) const;
 
     template <class Form>
     explicit DeclaredType(std::in_place_type_t<Form> form, Form value)
@@ -160,7 +157,9 @@ class Descriptor {
 public:
     Descriptor() = default;
     template <class T>
-    explicit Descriptor(std::shared_ptr<const T> value) : value_(std::move(value)) {}
+    explicit Descriptor(std::shared_ptr<T> value) {
+        if (value != nullptr) value_ = std::shared_ptr<const T>(std::move(value));
+    }
 
     /// The very value that was attached, when it is a `T`; else null.
     template <class T>
@@ -228,15 +227,20 @@ private:
 /// One value for each field of a record type. Copies share the lists and mappings among the values.
 class Record {
 public:
+    Record(const Record&) = default;
+    Record(Record&&) noexcept = default;
+    Record& operator=(Record other) noexcept;
+    ~Record() = default;
+
     const RecordType& type() const noexcept { return type_; }
 
     /// The value of a field. Throws TypeError when there is no such field.
     const FieldValue& operator[](std::string_view field) const;
 
-    /// The value of a field as a `T`: `Record` for a record, else whatever `ConfigValue::as` reads.
-    /// A field declared as float reads as a double also where an integer stands, as a default may.
-    /// Throws TypeError when there is no such field or its value is no `T`, an integer that does
-    /// not fit included.
+    /// The value of a field as a `T`: `Record` for a record, else whatever `ConfigValue::as` reads. A field
+    /// declared as float reads as a double, the nearest one, also where an integer stands, as a default
+    /// may. Throws TypeError when there is no such field or its value is no `T`, an integer that does not
+    /// fit included.
     template <class T>
     T get(std::string_view field) const;
 
@@ -251,8 +255,8 @@ private:
 
     Record(RecordType type, std::vector<FieldValue> values);
 
-    [[noreturn]] void throw_unwanted(std::string_view field, std::string_view wanted) const;
-    std::optional<double> float_field(std::string_view field) const;
+    [[noreturn]] void throw_unwanted(std::size_t position, std::string_view wanted) const;
+    std::optional<double> float_at(std::size_t position) const;
 
     RecordType type_;
     std::vector<FieldValue> values_;
@@ -264,7 +268,15 @@ public:
     template <class T>
     requires std::convertible_to<T, ConfigValue> FieldValue(T&& value)
         : held_(ConfigValue(std::forward<T>(value))) {}
-    FieldValue(Record record) : held_(std::move(record)) {}
+    FieldValue(Record record) noexcept : held_(std::move(record)) {}
+
+    FieldValue(const FieldValue&) = default;
+    FieldValue(FieldValue&&) noexcept = default;
+    FieldValue& operator=(FieldValue other) noexcept {
+        held_ = std::move(other.held_);
+        return *this;
+    }
+    ~FieldValue() = default;
 
     /// Null when it is the other.
     const ConfigValue* if_value() const noexcept { return std::get_if<ConfigValue>(&held_); }
@@ -281,6 +293,7 @@ private:
     std::variant<std::monostate, ConfigValue, Record> held_;
 };
 
+/// A value given for a field.
 struct Given {
     std::string_view field;
     FieldValue value;
@@ -305,18 +318,19 @@ private:
 
 template <class T>
 T Record::get(std::string_view field) const {
-    const FieldValue& held = (*this)[field];
+    const std::size_t position = type_.position_of(field);
+    const FieldValue& held = values_[position];
     if constexpr (std::same_as<T, Record>) {
         if (const Record* record = held.if_record()) return *record;
-        throw_unwanted(field, "a record");
+        throw_unwanted(position, "a record");
     } else {
         if (const ConfigValue* value = held.if_value()) {
             if (std::optional<T> read = value->as<T>()) return *std::move(read);
         }
-        if constexpr (std::same_as<T, double>) {
-            if (const std::optional<double> read = float_field(field)) return *read;
+        if constexpr (std::same_as<T, double> || std::same_as<T, std::optional<double>>) {
+            if (const std::optional<double> read = float_at(position)) return *read;
         }
-        throw_unwanted(field, detail::wanted_text<T>());
+        throw_unwanted(position, detail::wanted_text<T>());
     }
 }
 

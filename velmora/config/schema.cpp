@@ -1,15 +1,15 @@
 #include "velmora/config/schema.hpp"
 
+#include <algorithm>
+#include <array>
+#include <ostream>
+#include <stdexcept>
+
 #include "velmora/config/coercers.hpp"
 #include "velmora/config/display.hpp"
 #include "velmora/utils/hash.hpp"
 #include "velmora/utils/logging.hpp"
 #include "velmora/utils/quoting.hpp"
-
-#include <algorithm>
-#include <array>
-#include <ostream>
-#include <stdexcept>
 
 namespace velmora::config {
 
@@ -60,6 +60,12 @@ std::string sorted_and_joined(std::vector<std::string> texts) {
         separator = ", ";
     }
     return out;
+}
+
+// One setting equals itself, even with bounds that are not numbers.
+template <class T>
+bool same_or_equal(const std::shared_ptr<const T>& a, const std::shared_ptr<const T>& b) {
+    return a == b || *a == *b;
 }
 
 std::string display_keys(const std::vector<Key>& keys) {
@@ -117,11 +123,12 @@ Record Section::read(const ConfigValue& data) const {
 
 bool operator==(const Key& a, const Key& b) {
     return a.section_ == b.section_ && a.name_ == b.name_ && a.kind_ == b.kind_ &&
-           a.restart_ == b.restart_ && *a.setting_ == *b.setting_ && a.owner_ == b.owner_;
+           a.restart_ == b.restart_ && same_or_equal(a.setting_, b.setting_) &&
+           a.owner_ == b.owner_;
 }
 
 bool operator==(const Section& a, const Section& b) {
-    return a.name_ == b.name_ && a.kind_ == b.kind_ && *a.setting_ == *b.setting_ &&
+    return a.name_ == b.name_ && a.kind_ == b.kind_ && same_or_equal(a.setting_, b.setting_) &&
            a.keys_ == b.keys_;
 }
 

@@ -1,13 +1,9 @@
 // What a declared configuration resolves into: its sections and their keys.
 //
 //     for (const Section& section : sections_of(config)) {
-//         for (const Key& key : section.keys()) std::cout << key.label() << ": " <<
-//         key.setting().doc() << "\n";
+//         for (const Key& key : section.keys()) print(key.label(), key.setting().doc());
 //     }
 #pragma once
-
-#include "velmora/config/declaration.hpp"
-#include "velmora/config/kind.hpp"
 
 #include <functional>
 #include <iosfwd>
@@ -16,6 +12,9 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "velmora/config/declaration.hpp"
+#include "velmora/config/kind.hpp"
 
 namespace velmora::config {
 

@@ -87,33 +87,27 @@ void Shared::release() noexcept {
     }
 }
 
-// Synchronous trial deletion after Bacon and Rajan, "Concurrent Cycle Collection in Reference
-// Counted Systems" (2001).
+// Synchronous trial deletion after Bacon and Rajan, "Concurrent Cycle Collection in Reference Counted
+// Systems" (2001).
 void Shared::release_in_cycle() noexcept {
-    std::vector<Shared*> dead;
-    {
-        const std::lock_guard lock(cycle_mutex());
-        if (handles_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-            dead.clear();
-        } else {
-            try {
-                dead = Graph(*this, [](const Shared& child) {
-                           return child.in_cycle_.load();
-                       }).unreachable();
-            } catch (const std::bad_alloc&) {
-                return;  // Short of memory, the cycle stays.
-            }
-            if (dead.empty()) return;
-        }
-        for (Shared* object : dead) {
-            object->in_cycle_ = false;
-            object->acquire();
-        }
-    }
-    if (dead.empty()) {
+    std::unique_lock lock(cycle_mutex());
+    if (handles_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
+        lock.unlock();
         dispose();
         return;
     }
+    std::vector<Shared*> dead;
+    try {
+        dead =
+            Graph(*this, [](const Shared& child) { return child.in_cycle_.load(); }).unreachable();
+    } catch (const std::bad_alloc&) {
+        return;  // Short of memory, the cycle stays.
+    }
+    for (Shared* object : dead) {
+        object->in_cycle_ = false;
+        object->acquire();
+    }
+    lock.unlock();
     for (Shared* object : dead) object->clear();
     for (Shared* object : dead) object->release();
 }

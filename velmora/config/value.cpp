@@ -1,17 +1,16 @@
 #include "velmora/config/value.hpp"
 
-#include "velmora/utils/errors.hpp"
-#include "velmora/utils/hash.hpp"
-
 #include <algorithm>
 #include <array>
 #include <functional>
 #include <unordered_map>
 
+#include "velmora/utils/errors.hpp"
+#include "velmora/utils/hash.hpp"
+
 namespace velmora::config {
 
-// --- What handles share
-// ---------------------------------------------------------------------------
+// --- What handles share ---
 
 class List::Data : public Shared {
 public:
@@ -51,15 +50,20 @@ public:
     }
 
     void append(ConfigValue key, ConfigValue value) {
-        entries.push_back({std::move(key), std::move(value)});
-        if (entries.size() <= searched_one_by_one) return;
+        entries.emplace_back(std::move(key), std::move(value));
         try {
-            for (std::size_t i = by_hash_.size(); i < entries.size(); ++i) {
-                by_hash_.emplace(entries[i].key.hash(), i);
-            }
+            index();
         } catch (...) {
             entries.pop_back();
             throw;
+        }
+    }
+
+    // Makes the entries found that were put into `entries` directly.
+    void index() {
+        if (entries.size() <= searched_one_by_one) return;
+        for (std::size_t i = by_hash_.size(); i < entries.size(); ++i) {
+            by_hash_.emplace(entries[i].key.hash(), i);
         }
     }
 
@@ -78,12 +82,11 @@ private:
     std::unordered_multimap<std::size_t, std::size_t> by_hash_;
 };
 
-// --- List
-// -----------------------------------------------------------------------------------------
+// --- List ---
 
 List::List() : handle_(new Data) {}
 
-List::List(std::vector<ConfigValue> items) : List() {
+List::List(FromItems /*tag*/, std::vector<ConfigValue> items) : List() {
     data().items = std::move(items);
 }
 
@@ -125,8 +128,7 @@ bool operator==(const List& a, const List& b) {
     return ConfigValue(a) == ConfigValue(b);
 }
 
-// --- Mapping
-// --------------------------------------------------------------------------------------
+// --- Mapping ---
 
 Mapping::Mapping() : handle_(new Data) {}
 
@@ -192,8 +194,15 @@ bool operator==(const Mapping& a, const Mapping& b) {
     return ConfigValue(a) == ConfigValue(b);
 }
 
-// --- ConfigValue
-// ----------------------------------------------------------------------------------
+// --- ConfigValue ---
+
+ConfigValue::ConfigValue(ConfigValue&& other) noexcept
+    : value_(std::exchange(other.value_, std::monostate{})) {}
+
+ConfigValue& ConfigValue::operator=(ConfigValue&& other) noexcept {
+    value_ = std::exchange(other.value_, std::monostate{});
+    return *this;
+}
 
 ConfigValue::ConfigValue(const Number& number) {
     if (const Integer* integer = number.if_integer()) {
@@ -247,11 +256,15 @@ ConfigValue ConfigValue::deep_copy() const {
             items.reserve(list->size());
             for (const ConfigValue& item : *list) items.push_back(copy_of(item));
         } else {
-            Mapping::Data& all = copy.get_if<Mapping>()->data();
+            std::vector<Mapping::Entry>& entries = copy.get_if<Mapping>()->data().entries;
             for (const auto& [key, value] : *original.get_if<Mapping>()) {
-                all.append(copy_of(key), copy_of(value));
+                entries.emplace_back(copy_of(key), copy_of(value));
             }
         }
+    }
+    // Only now that all keys are whole do they have their hashes.
+    for (const auto& [original, copy] : copies) {
+        if (const auto* mapping = copy.get_if<Mapping>()) mapping->data().index();
     }
     // Only once the handles of `copies` are gone: letting go of one of an object in a cycle is
     // costly.
@@ -265,24 +278,42 @@ ConfigValue ConfigValue::deep_copy() const {
 
 namespace {
 
-// Lists are hashed down to this depth and up to so many items, so that every hash is cheap and
-// ends.
+// Lists and mappings are hashed down to this depth, and only so many items from both ends of each list, so
+// that every hash is cheap and ends.
 constexpr int hashed_depth = 3;
-constexpr std::size_t hashed_items = 8;
+constexpr std::size_t hashed_items = 4;
+
+std::size_t hash_to_depth(const ConfigValue& value, int depth);
+
+std::size_t hash_items(const List& list, int depth) {
+    std::size_t seed = list.size();
+    const auto mix = [&](std::size_t i) {
+        seed = utils::hash_mix(seed, hash_to_depth(list[i], depth));
+    };
+    const std::size_t front = std::min(list.size(), hashed_items);
+    for (std::size_t i = 0; i < front; ++i) mix(i);
+    for (std::size_t i = std::max(front, list.size() - front); i < list.size(); ++i) mix(i);
+    return seed;
+}
+
+// A sum, because the order of the entries does not count.
+std::size_t hash_entries(const Mapping& mapping, int depth) {
+    std::size_t sum = mapping.size();
+    if (mapping.size() > 2 * hashed_items) return sum;
+    for (const auto& [key, value] : mapping) {
+        sum += utils::hash_mix(hash_to_depth(key, depth), hash_to_depth(value, depth));
+    }
+    return sum;
+}
 
 std::size_t hash_to_depth(const ConfigValue& value, int depth) {
     if (const auto* text = value.get_if<std::string>()) return std::hash<std::string_view>{}(*text);
     if (const auto number = value.as<Number>()) return number->hash();
     if (const auto* flag = value.get_if<bool>()) return utils::hash_fields(*flag);
-    if (const auto* mapping = value.get_if<Mapping>()) return utils::hash_fields(mapping->size());
-    const auto* list = value.get_if<List>();
-    if (list == nullptr) return 0;
-    std::size_t seed = list->size();
-    if (depth == 0) return seed;
-    for (std::size_t i = 0; i < std::min(list->size(), hashed_items); ++i) {
-        seed = utils::hash_mix(seed, hash_to_depth((*list)[i], depth - 1));
-    }
-    return seed;
+    if (depth == 0) return 0;
+    if (const auto* list = value.get_if<List>()) return hash_items(*list, depth - 1);
+    if (const auto* mapping = value.get_if<Mapping>()) return hash_entries(*mapping, depth - 1);
+    return 0;
 }
 
 bool equal_scalars(const ConfigValue& a, const ConfigValue& b) {

@@ -6,9 +6,6 @@
 //     }
 #pragma once
 
-#include "velmora/config/number.hpp"
-#include "velmora/config/shared.hpp"
-
 #include <concepts>
 #include <cstddef>
 #include <functional>
@@ -22,6 +19,9 @@
 #include <variant>
 #include <vector>
 
+#include "velmora/config/number.hpp"
+#include "velmora/config/shared.hpp"
+
 namespace velmora::config {
 
 class ConfigValue;
@@ -31,14 +31,17 @@ class ConfigValue;
 class List {
 public:
     List();
-    /// A list of these items. One list in braces is itself, as with every type: a list of one list
-    /// is List{ConfigValue(list)}.
-    template <class Item>
-    requires(!std::same_as<std::remove_cvref_t<Item>, List> &&
-             std::convertible_to<Item, ConfigValue>) explicit List(Item&& item);
-    template <class First, class Second, class... Rest>
-    List(First&& first, Second&& second, Rest&&... rest);
-    explicit List(std::vector<ConfigValue> items);
+    /// A list of these items. One list in braces is itself, as with every type: a list of one list is
+    /// List{ConfigValue(list)}.
+    template <class... Items>
+    requires(!(sizeof...(Items) == 1 && (std::same_as<std::remove_cvref_t<Items>, List> && ...)) &&
+             sizeof...(Items) > 0 &&
+             (std::convertible_to<Items, ConfigValue> && ...)) explicit List(Items&&... items)
+        : List() {
+        (push_back(std::forward<Items>(items)), ...);
+    }
+    template <std::same_as<std::vector<ConfigValue>> Items>
+    explicit List(Items items) : List(FromItems{}, std::move(items)) {}
 
     std::size_t size() const noexcept;
     bool empty() const noexcept { return size() == 0; }
@@ -63,6 +66,9 @@ public:
 private:
     friend class ConfigValue;
     class Data;
+    struct FromItems {};
+
+    List(FromItems tag, std::vector<ConfigValue> items);
 
     Data& data() const noexcept;
 
@@ -88,7 +94,10 @@ public:
     /// The value under `key`, null when there is none; valid until the mapping is changed. Takes
     /// constant expected time.
     const ConfigValue* find(std::string_view key) const;
-    const ConfigValue* find(const std::same_as<ConfigValue> auto& key) const {
+    template <class Key>
+    requires(std::convertible_to<const Key&, ConfigValue> &&
+             (std::is_null_pointer_v<Key> || !std::convertible_to<const Key&, std::string_view>))
+        const ConfigValue* find(const Key& key) const {
         return find_value(key);
     }
     /// The entry under `key`, like `find`, for a caller who guesses its position: the entry at
@@ -143,13 +152,9 @@ public:
     ConfigValue(T*) = delete;
 
     ConfigValue(const ConfigValue&) = default;
-    ConfigValue(ConfigValue&& other) noexcept
-        : value_(std::exchange(other.value_, std::monostate{})) {}
-    ConfigValue& operator=(const ConfigValue&) = default;
-    ConfigValue& operator=(ConfigValue&& other) noexcept {
-        value_ = std::exchange(other.value_, std::monostate{});
-        return *this;
-    }
+    ConfigValue(ConfigValue&& other) noexcept;
+    ConfigValue& operator=(const ConfigValue& other) { return *this = ConfigValue(other); }
+    ConfigValue& operator=(ConfigValue&& other) noexcept;
     ~ConfigValue() = default;
 
     bool is_null() const noexcept { return std::holds_alternative<std::monostate>(value_); }
@@ -162,8 +167,7 @@ public:
     }
 
     /// The value as a `T` when it is one, without any conversion between kinds: bool, a built-in
-    /// integer type that the integer fits, Integer, double, Number, std::string, std::string_view
-    /// (which refers into this value), List, Mapping, ConfigValue, a vector of such types for a
+    /// integer type that the integer fits, Integer, double, Number, std::string, List, Mapping, ConfigValue, a vector of such types for a
     /// list of them, or an optional of one, which is empty for null.
     template <class T>
     std::optional<T> as() const;
@@ -209,26 +213,14 @@ private:
 };
 
 struct Mapping::Entry {
+    Entry(ConfigValue its_key, ConfigValue its_value)
+        : key(std::move(its_key)), value(std::move(its_value)) {}
+
     ConfigValue key;
     ConfigValue value;
 };
 
-template <class Item>
-requires(!std::same_as<std::remove_cvref_t<Item>, List> &&
-         std::convertible_to<Item, ConfigValue>) List::List(Item&& item)
-    : List() {
-    push_back(std::forward<Item>(item));
-}
-
-template <class First, class Second, class... Rest>
-List::List(First&& first, Second&& second, Rest&&... rest) : List() {
-    push_back(std::forward<First>(first));
-    push_back(std::forward<Second>(second));
-    (push_back(std::forward<Rest>(rest)), ...);
-}
-
-// --- Reading a value as a C++ type
-// ----------------------------------------------------------------
+// --- Reading a value as a C++ type ---
 
 namespace detail {
 
@@ -261,7 +253,7 @@ std::string wanted_text() {
         return "a float";
     } else if constexpr (std::same_as<T, Number>) {
         return "a number";
-    } else if constexpr (std::same_as<T, std::string> || std::same_as<T, std::string_view>) {
+    } else if constexpr (std::same_as<T, std::string>) {
         return "a text";
     } else if constexpr (std::same_as<T, List>) {
         return "a list";
@@ -293,9 +285,6 @@ std::optional<T> ConfigValue::as() const {
     } else if constexpr (std::same_as<T, Number>) {
         if (const auto* held = get_if<Integer>()) return *held;
         const auto* held = get_if<double>();
-        return held != nullptr ? std::optional<T>(*held) : std::nullopt;
-    } else if constexpr (std::same_as<T, std::string_view>) {
-        const auto* held = get_if<std::string>();
         return held != nullptr ? std::optional<T>(*held) : std::nullopt;
     } else if constexpr (detail::is_vector<T>) {
         const auto* held = get_if<List>();

@@ -11,8 +11,6 @@
 // Everything here may be called from several threads.
 #pragma once
 
-#include "velmora/utils/quoting.hpp"
-
 #include <atomic>
 #include <concepts>
 #include <exception>
@@ -23,6 +21,8 @@
 #include <string_view>
 #include <utility>
 #include <vector>
+
+#include "velmora/utils/quoting.hpp"
 
 namespace velmora::utils {
 

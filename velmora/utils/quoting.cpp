@@ -1,10 +1,10 @@
 #include "velmora/utils/quoting.hpp"
 
-#include "velmora/utils/unicode.hpp"
-
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+
+#include "velmora/utils/unicode.hpp"
 
 namespace velmora::utils {
 
@@ -77,6 +77,7 @@ void append_quoted(std::string& out, std::string_view text, std::size_t enough) 
     const char quote = quote_for(text);
     // No character takes fewer bytes escaped than plain, so no byte behind `end` is needed.
     const std::size_t end = std::min(text.size(), enough - out.size());
+    out.reserve(out.size() + end + 2);
     out += quote;
     std::size_t copied = 0;
     std::size_t at = 0;
@@ -85,15 +86,17 @@ void append_quoted(std::string& out, std::string_view text, std::size_t enough) 
             at += 8;
             continue;
         }
-        const Character character = first_character(text.substr(at));
-        const bool plain = is_printable(character.code) && character.code != U'\\' &&
-                           character.code != static_cast<unsigned char>(quote);
-        if (!plain) {
-            out.append(text, copied, at - copied);
-            append_escaped(out, character.code);
-            copied = at + character.size;
+        for (const std::size_t stop = std::min(at + 8, end); at < stop;) {
+            const Character character = first_character(text.substr(at));
+            const bool plain = is_printable(character.code) && character.code != U'\\' &&
+                               character.code != static_cast<unsigned char>(quote);
+            if (!plain) {
+                out.append(text, copied, at - copied);
+                append_escaped(out, character.code);
+                copied = at + character.size;
+            }
+            at += character.size;
         }
-        at += character.size;
     }
     out.append(text, copied, at - copied);
     out += quote;

@@ -1,11 +1,11 @@
 #include "velmora/utils/text_values.hpp"
 
+#include <algorithm>
+#include <array>
+
 #include "velmora/utils/errors.hpp"
 #include "velmora/utils/quoting.hpp"
 #include "velmora/utils/unicode.hpp"
-
-#include <algorithm>
-#include <array>
 
 namespace velmora::utils {
 

@@ -13,6 +13,18 @@ install(
     NAMESPACE velmora::
     DESTINATION ${package_dir}
 )
+if(VELMORA_BUILD_YAML)
+    install(
+        TARGETS velmora_yaml
+        EXPORT velmora-yaml-targets
+        FILE_SET HEADERS
+    )
+    install(
+        EXPORT velmora-yaml-targets
+        NAMESPACE velmora::
+        DESTINATION ${package_dir}
+    )
+endif()
 
 configure_package_config_file(
     cmake/velmora-config.cmake.in ${PROJECT_BINARY_DIR}/velmora-config.cmake INSTALL_DESTINATION ${package_dir}
@@ -31,3 +43,14 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY "${CMAKE_INSTALL_PR
 )
 configure_file(cmake/velmora.pc.in ${PROJECT_BINARY_DIR}/velmora.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/velmora.pc DESTINATION ${pkgconfig_dir})
+
+if(VELMORA_BUILD_YAML)
+    # Whoever links a static library links what it needs.
+    if(BUILD_SHARED_LIBS)
+        set(yaml_requires_private yaml-cpp)
+    else()
+        set(yaml_requires ", yaml-cpp")
+    endif()
+    configure_file(cmake/velmora-yaml.pc.in ${PROJECT_BINARY_DIR}/velmora-yaml.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/velmora-yaml.pc DESTINATION ${pkgconfig_dir})
+endif()

@@ -25,3 +25,10 @@ export PKG_CONFIG_PATH
 "$compiler" -std=c++20 "$@" "$source/main.cpp" -o "$work/with-pkg-config" \
     $(pkg-config --cflags --libs velmora)
 test "$("$work/with-pkg-config")" = server.port
+
+test -f "$PKG_CONFIG_PATH/velmora-yaml.pc" || exit 0
+test "$("$work/build/consumer-yaml")" = "{'server': {'port': 8080}}"
+# shellcheck disable=SC2046
+"$compiler" -std=c++20 "$@" "$source/yaml.cpp" -o "$work/yaml-with-pkg-config" \
+    $(pkg-config --cflags --libs velmora-yaml)
+test "$("$work/yaml-with-pkg-config")" = "{'server': {'port': 8080}}"

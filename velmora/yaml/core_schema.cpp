@@ -1,0 +1,142 @@
+#include "velmora/yaml/core_schema.hpp"
+
+#include "velmora/utils/errors.hpp"
+#include "velmora/utils/quoting.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <system_error>
+#include <utility>
+
+namespace velmora::yaml {
+
+namespace {
+
+using config::ConfigValue;
+using config::Integer;
+using Reading = std::optional<ConfigValue>;
+
+bool is_one_of(std::string_view text, std::initializer_list<std::string_view> spellings) {
+    return std::find(spellings.begin(), spellings.end(), text) != spellings.end();
+}
+
+Reading read_null(std::string_view text) {
+    if (is_one_of(text, {"", "~", "null", "Null", "NULL"})) return ConfigValue();
+    return std::nullopt;
+}
+
+Reading read_flag(std::string_view text) {
+    if (is_one_of(text, {"true", "True", "TRUE"})) return true;
+    if (is_one_of(text, {"false", "False", "FALSE"})) return false;
+    return std::nullopt;
+}
+
+// Takes time quadratic in the number of digits.
+Reading read_power_of_two_base(std::string_view digits, int bits) {
+    const std::string_view all_digits = "0123456789abcdefABCDEF";
+    const std::string_view allowed = bits == 3 ? all_digits.substr(0, 8) : all_digits;
+    if (digits.empty() || digits.find_first_not_of(allowed) != digits.npos) return std::nullopt;
+    constexpr std::size_t most_digits = 4096;
+    if (digits.size() > most_digits) {
+        throw ValueError("an integer in base 8 or 16 has at most 4096 digits");
+    }
+    std::string decimal;  // The lowest digit first.
+    constexpr std::size_t at_once = 12;
+    for (; !digits.empty(); digits.remove_prefix(std::min(at_once, digits.size()))) {
+        const std::string_view part = digits.substr(0, at_once);
+        std::uint64_t carry = 0;
+        std::from_chars(part.data(), part.data() + part.size(), carry, 1 << bits);
+        for (char& digit : decimal) {
+            carry += static_cast<std::uint64_t>(digit - '0') << (part.size() * std::size_t(bits));
+            digit = static_cast<char>('0' + carry % 10);
+            carry /= 10;
+        }
+        for (; carry > 0; carry /= 10) decimal += static_cast<char>('0' + carry % 10);
+    }
+    std::reverse(decimal.begin(), decimal.end());
+    return *Integer::parse(decimal.empty() ? "0" : decimal);
+}
+
+Reading read_integer(std::string_view text) {
+    if (text.starts_with("0o")) return read_power_of_two_base(text.substr(2), 3);
+    if (text.starts_with("0x")) return read_power_of_two_base(text.substr(2), 4);
+    if (const std::optional<Integer> integer = Integer::parse(text)) return *integer;
+    return std::nullopt;
+}
+
+// Whether a number that no double is near to is too large for one, and not too small.
+bool is_too_large(std::string_view number) {
+    const std::size_t mantissa = std::min(number.find_first_of("eE"), number.size());
+    const std::size_t point = std::min(number.find('.'), mantissa);
+    const std::size_t first = number.find_first_of("123456789");
+    std::int64_t exponent = 0;
+    if (mantissa < number.size()) {
+        std::string_view digits = number.substr(mantissa + 1);
+        if (digits.starts_with('+')) digits.remove_prefix(1);
+        const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
+        if (read.ec != std::errc()) return !digits.starts_with('-');
+    }
+    return exponent + static_cast<std::int64_t>(point) > static_cast<std::int64_t>(first);
+}
+
+Reading read_float(std::string_view text) {
+    if (is_one_of(text, {".nan", ".NaN", ".NAN"})) return std::numeric_limits<double>::quiet_NaN();
+    const bool negative = text.starts_with('-');
+    if (negative || text.starts_with('+')) text.remove_prefix(1);
+    double value = 0;
+    if (is_one_of(text, {".inf", ".Inf", ".INF"})) {
+        value = std::numeric_limits<double>::infinity();
+    } else {
+        // from_chars accepts another sign, and names of numbers that are not finite.
+        if (text.find_first_of(".0123456789") != 0) return std::nullopt;
+        const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+        if (read.ec == std::errc::invalid_argument || read.ptr != text.data() + text.size())
+            return std::nullopt;
+        if (read.ec == std::errc::result_out_of_range)
+            value = is_too_large(text) ? std::numeric_limits<double>::infinity() : 0.0;
+    }
+    return negative ? -value : value;
+}
+
+Reading read_text(std::string_view text) {
+    return text;
+}
+
+struct CoreTag {
+    std::string_view tag;
+    Reading (*read)(std::string_view);
+};
+
+// In the order in which plain scalars try them.
+constexpr CoreTag core_tags[] = {
+    {"!!null", read_null},   {"!!bool", read_flag}, {"!!int", read_integer},
+    {"!!float", read_float}, {"!!str", read_text},
+};
+
+}  // namespace
+
+std::string short_tag(std::string_view tag) {
+    constexpr std::string_view core_prefix = "tag:yaml.org,2002:";
+    if (!tag.starts_with(core_prefix)) return std::string(tag);
+    return "!!" + std::string(tag.substr(core_prefix.size()));
+}
+
+std::string unfit_tag_text(std::string_view kind_text, std::string_view tag) {
+    return std::string(kind_text) + " cannot be tagged " + utils::shown_text(short_tag(tag));
+}
+
+ConfigValue read_scalar(std::string_view tag, const std::string& text) {
+    if (tag == non_specific) return text;
+    const std::string wanted = short_tag(tag);
+    for (const auto& [name, read] : core_tags) {
+        if (tag != untagged && wanted != name) continue;
+        if (Reading value = read(text)) return *std::move(value);
+        if (tag != untagged) throw ValueError(utils::shown_text(text) + " is no " + wanted);
+    }
+    throw ValueError(unfit_tag_text("a scalar", tag));
+}
+
+}  // namespace velmora::yaml

@@ -1,12 +1,12 @@
 #include "velmora/yaml/yaml.hpp"
 
-#include "velmora/config/display.hpp"
-
 #include <fstream>
 #include <string>
 #include <utility>
 
 #include <gtest/gtest.h>
+
+#include "velmora/config/display.hpp"
 
 namespace velmora::yaml {
 namespace {
@@ -123,16 +123,16 @@ TEST(Load, RefusesDeepNesting) {
 
 // Each would take minutes if it took quadratic time.
 TEST(Load, TakesLittleTimeWithManyAliasesAndCollectionKeys) {
-    std::string plain = "- &a [1]\n", loops = "&a [", keys, pairs;
+    std::string plain = "- &a [1]\n", loops = "&a [", alike, keys;
     for (int i = 0; i < 20'000; ++i) {
         plain += "- *a\n";
         loops += "&b [*a], *b, ";
-        keys += "? {a: " + std::to_string(i) + "}\n";
-        pairs += "? [a, " + std::to_string(i) + "]\n";
+        alike += "? [0, 0, 0, 0, " + std::to_string(i) + ", 0, 0, 0, 0]\n";
+        keys += "? {a: [" + std::to_string(i) + "]}\n";
     }
     EXPECT_EQ(load(plain).get<List>().size(), 20'001U);
-    EXPECT_EQ(load(pairs).get<Mapping>().size(), 20'000U);
-    for (const std::string& text : {loops + "]", keys}) {
+    EXPECT_EQ(load(keys).get<Mapping>().size(), 20'000U);
+    for (const std::string& text : {loops + "]", alike}) {
         EXPECT_TRUE(
             error_in(text).ends_with("lists or mappings that are keys or contain themselves"));
     }

@@ -1,9 +1,7 @@
 #include "velmora/config/coercers.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
-#include <cstdint>
 #include <limits>
 #include <optional>
 #include <string>
@@ -43,57 +41,17 @@ std::optional<Integer> read_integer(std::string_view text) {
     return digits ? Integer::parse(*digits) : std::nullopt;
 }
 
-// The decimal exponent of the first digit of an unsigned decimal number other than zero: 2 for
-// 123.4, -1 for 0.5. An exponent too large to be held counts as the largest.
-std::int64_t leading_exponent(std::string_view text) {
-    const std::size_t mark = std::min(text.find_first_of("eE"), text.size());
-    const std::string_view digits = text.substr(0, mark);
-    const std::size_t point = std::min(digits.find('.'), digits.size());
-    const std::size_t leading = digits.find_first_not_of("0.");
-    const auto position = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(leading);
-    std::int64_t exponent = 0;
-    if (mark < text.size()) {
-        std::string_view written = text.substr(mark + 1);
-        if (written.starts_with('+')) written.remove_prefix(1);
-        if (std::from_chars(written.data(), written.data() + written.size(), exponent).ec !=
-            std::errc()) {
-            constexpr std::int64_t beyond_any_text = std::numeric_limits<std::int64_t>::max() / 2;
-            exponent = written.starts_with('-') ? -beyond_any_text : beyond_any_text;
-        }
-    }
-    return exponent + (leading < point ? position - 1 : position);
-}
-
-// The double that an unsigned decimal number stands for, an infinity when it is too large for one.
-std::optional<double> read_decimal(std::string_view text) {
-    // std::from_chars takes the words inf and nan as well.
-    if (!text.starts_with('.') && (text.empty() || !is_digit(text.front()))) return std::nullopt;
-    double value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error == std::errc::invalid_argument || end != text.data() + text.size())
-        return std::nullopt;
-    if (error == std::errc()) return value;
-    return leading_exponent(text) < 0 ? 0.0 : std::numeric_limits<double>::infinity();
-}
-
 std::optional<double> read_float(std::string_view text) {
     const auto plain = without_underscores(utils::trimmed(text));
     if (!plain) return std::nullopt;
-    std::string_view magnitude = *plain;
-    const bool negative = magnitude.starts_with('-');
-    if (negative || magnitude.starts_with('+')) magnitude.remove_prefix(1);
-
-    std::optional<double> value;
-    if (utils::equal_ignoring_case(magnitude, "nan")) {
-        value = std::numeric_limits<double>::quiet_NaN();
-    } else if (utils::equal_ignoring_case(magnitude, "inf") ||
-               utils::equal_ignoring_case(magnitude, "infinity")) {
-        value = std::numeric_limits<double>::infinity();
-    } else {
-        value = read_decimal(magnitude);
+    if (const auto decimal = parse_decimal(*plain)) return decimal;
+    std::string_view word = *plain;
+    if (word.starts_with('-') || word.starts_with('+')) word.remove_prefix(1);
+    if (utils::equal_ignoring_case(word, "nan")) return std::numeric_limits<double>::quiet_NaN();
+    if (utils::equal_ignoring_case(word, "inf") || utils::equal_ignoring_case(word, "infinity")) {
+        return std::numeric_limits<double>::infinity();
     }
-    if (value && negative) value = -*value;
-    return value;
+    return std::nullopt;
 }
 
 [[noreturn]] void refuse_as(const ConfigValue& value, std::string_view kind) {

@@ -4,7 +4,9 @@
 #include <compare>
 #include <concepts>
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "velmora/config/integer.hpp"
@@ -46,6 +48,11 @@ private:
 /// The number in the general format "g" with 6 significant digits ("0.5", "65535", "1e+06"), an
 /// integer as the nearest double. Throws OverflowError when there is none.
 std::string number_text(const Number& number);
+
+/// The double nearest to the number that `text` spells: an optional sign and ASCII digits with an optional
+/// point and exponent, nothing else; an infinity when it is too large for a double, zero when it is too
+/// small. Takes time linear in the length of the text.
+std::optional<double> parse_decimal(std::string_view text);
 
 }  // namespace velmora::config
 

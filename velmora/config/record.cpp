@@ -175,17 +175,20 @@ std::optional<double> Record::float_at(std::size_t position) const {
     }
 }
 
-RecordDraft::RecordDraft(RecordType type) : type_(std::move(type)) {
-    values_.reserve(type_.fields().size());
-    for (std::size_t i = 0; i < type_.fields().size(); ++i) values_.push_back(FieldValue());
+FieldValue& FieldValue::operator=(FieldValue other) noexcept {
+    held_ = std::move(other.held_);
+    return *this;
 }
+
+RecordDraft::RecordDraft(RecordType type)
+    : type_(std::move(type)), values_(type_.fields().size(), FieldValue()) {}
 
 Record RecordDraft::finish() && {
     for (std::size_t i = 0; i < values_.size(); ++i) {
         if (!std::holds_alternative<std::monostate>(values_[i].held_)) continue;
         const FieldDecl& field = type_.fields()[i];
         if (const ConfigValue* value = field.default_value()) {
-            values_[i] = *value;
+            values_[i].held_ = *value;
         } else if (const DefaultFactory* factory = field.default_factory()) {
             values_[i] = (*factory)();
         } else {

@@ -272,10 +272,7 @@ public:
 
     FieldValue(const FieldValue&) = default;
     FieldValue(FieldValue&&) noexcept = default;
-    FieldValue& operator=(FieldValue other) noexcept {
-        held_ = std::move(other.held_);
-        return *this;
-    }
+    FieldValue& operator=(FieldValue other) noexcept;
     ~FieldValue() = default;
 
     /// Null when it is the other.

@@ -26,8 +26,12 @@ namespace velmora::config {
 
 class ConfigValue;
 
-/// A list of values. A handle: copies share one list, which `copy` does not. It may contain itself.
-/// Once moved from, it may only be assigned to or destroyed.
+/// A list of values. A handle: copies share one list, which `copy` does not. Once moved from, it may only be
+/// assigned to or destroyed.
+///
+/// A list may contain itself, directly or through others. To free such lists when their last handle from
+/// outside goes, letting go of any handle of them takes a walk through all that the handle reaches; to
+/// threads, they are one object, of which dropping a handle is a use like reading.
 class List {
 public:
     List();

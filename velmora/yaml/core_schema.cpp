@@ -1,15 +1,14 @@
 #include "velmora/yaml/core_schema.hpp"
 
-#include "velmora/utils/errors.hpp"
-#include "velmora/utils/quoting.hpp"
-
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <limits>
 #include <optional>
-#include <system_error>
 #include <utility>
+
+#include "velmora/utils/errors.hpp"
+#include "velmora/utils/quoting.hpp"
 
 namespace velmora::yaml {
 
@@ -67,38 +66,14 @@ Reading read_integer(std::string_view text) {
     return std::nullopt;
 }
 
-// Whether a number that no double is near to is too large for one, and not too small.
-bool is_too_large(std::string_view number) {
-    const std::size_t mantissa = std::min(number.find_first_of("eE"), number.size());
-    const std::size_t point = std::min(number.find('.'), mantissa);
-    const std::size_t first = number.find_first_of("123456789");
-    std::int64_t exponent = 0;
-    if (mantissa < number.size()) {
-        std::string_view digits = number.substr(mantissa + 1);
-        if (digits.starts_with('+')) digits.remove_prefix(1);
-        const auto read = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
-        if (read.ec != std::errc()) return !digits.starts_with('-');
-    }
-    return exponent + static_cast<std::int64_t>(point) > static_cast<std::int64_t>(first);
-}
-
 Reading read_float(std::string_view text) {
     if (is_one_of(text, {".nan", ".NaN", ".NAN"})) return std::numeric_limits<double>::quiet_NaN();
+    if (const auto decimal = config::parse_decimal(text)) return *decimal;
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) text.remove_prefix(1);
-    double value = 0;
-    if (is_one_of(text, {".inf", ".Inf", ".INF"})) {
-        value = std::numeric_limits<double>::infinity();
-    } else {
-        // from_chars accepts another sign, and names of numbers that are not finite.
-        if (text.find_first_of(".0123456789") != 0) return std::nullopt;
-        const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (read.ec == std::errc::invalid_argument || read.ptr != text.data() + text.size())
-            return std::nullopt;
-        if (read.ec == std::errc::result_out_of_range)
-            value = is_too_large(text) ? std::numeric_limits<double>::infinity() : 0.0;
-    }
-    return negative ? -value : value;
+    if (!is_one_of(text, {".inf", ".Inf", ".INF"})) return std::nullopt;
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    return negative ? -infinity : infinity;
 }
 
 Reading read_text(std::string_view text) {

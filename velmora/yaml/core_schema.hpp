@@ -1,10 +1,10 @@
 // How scalars become values: the core schema of YAML 1.2.
 #pragma once
 
-#include "velmora/config/value.hpp"
-
 #include <string>
 #include <string_view>
+
+#include "velmora/config/value.hpp"
 
 namespace velmora::yaml {
 

@@ -1,10 +1,5 @@
 #include "velmora/yaml/yaml.hpp"
 
-#include "velmora/config/display.hpp"
-#include "velmora/utils/quoting.hpp"
-#include "velmora/utils/unicode.hpp"
-#include "velmora/yaml/core_schema.hpp"
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -24,6 +19,11 @@
 #include <yaml-cpp/exceptions.h>
 #include <yaml-cpp/mark.h>
 #include <yaml-cpp/parser.h>
+
+#include "velmora/config/display.hpp"
+#include "velmora/utils/quoting.hpp"
+#include "velmora/utils/unicode.hpp"
+#include "velmora/yaml/core_schema.hpp"
 
 namespace velmora::yaml {
 
@@ -70,7 +70,7 @@ Source source_of(std::string_view text, std::string_view name) {
         if (code >= 0xd800 && code <= 0xdfff) source.refuse(source.text.size(), "no UTF-8");
         if (code < ' ' && code != '\t' && code != '\n' && code != '\r') {
             source.refuse(source.text.size(),
-                          "the control character " + utils::quoted(text.substr(0, 1)));
+                          "the control character " + utils::quoted_text(text.substr(0, 1)));
         }
         if (code != '\r') {
             source.text += text.substr(0, size);

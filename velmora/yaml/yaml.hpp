@@ -24,12 +24,12 @@
 // contain themselves or are keys alike in size and first items.
 #pragma once
 
-#include "velmora/config/value.hpp"
-#include "velmora/utils/errors.hpp"
-
 #include <filesystem>
 #include <string>
 #include <string_view>
+
+#include "velmora/config/value.hpp"
+#include "velmora/utils/errors.hpp"
 
 namespace velmora::yaml {
 

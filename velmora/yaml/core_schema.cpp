@@ -1,6 +1,7 @@
 #include "velmora/yaml/core_schema.hpp"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
 #include <limits>
@@ -86,10 +87,13 @@ struct CoreTag {
 };
 
 // In the order in which plain scalars try them.
-constexpr CoreTag core_tags[] = {
-    {"!!null", read_null},   {"!!bool", read_flag}, {"!!int", read_integer},
-    {"!!float", read_float}, {"!!str", read_text},
-};
+constexpr std::array<CoreTag, 5> core_tags = {{
+    {"!!null", read_null},
+    {"!!bool", read_flag},
+    {"!!int", read_integer},
+    {"!!float", read_float},
+    {"!!str", read_text},
+}};
 
 }  // namespace
 

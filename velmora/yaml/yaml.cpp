@@ -96,7 +96,7 @@ public:
     void refuse_directive_before(std::size_t offset) const {
         const std::string_view before = std::string_view(source_.text).substr(0, offset);
         const std::size_t line_end = before.rfind("\n%");
-        if (line_end == before.npos && !before.starts_with('%')) return;
+        if (line_end == std::string_view::npos && !before.starts_with('%')) return;
         source_.refuse(line_end + 1, "a directive without a document that begins with '---'");
     }
 

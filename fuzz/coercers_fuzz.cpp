@@ -1,14 +1,15 @@
 // Builds a value from bytes, shows it, and hands it to every coercer. The fuzzer and the replay of
 // its corpus in the tests run the same body.
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "velmora/config/spec.hpp"
-#include "velmora/utils/quoting.hpp"
 #include "velmora/utils/unicode.hpp"
 
 namespace {
@@ -120,10 +121,21 @@ private:
     int cycles_ = 0;
 };
 
+// Well-formed UTF-8 by the table of the Unicode Standard ("Well-Formed UTF-8 Byte Sequences").
 bool is_utf8(std::string_view text) {
     while (!text.empty()) {
-        const auto [code, size] = velmora::utils::first_character(text);
-        if (code >= 0xdc80 && code <= 0xdcff) return false;
+        const auto at = [&](std::size_t i) {
+            return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
+        };
+        const unsigned lead = at(0);
+        const std::size_t size = lead < 0x80 ? 1 : lead < 0xe0 ? 2 : lead < 0xf0 ? 3 : 4;
+        if ((lead >= 0x80 && lead < 0xc2) || lead > 0xf4) return false;
+        const unsigned least = lead == 0xe0 ? 0xa0 : lead == 0xf0 ? 0x90 : 0x80;
+        const unsigned most = lead == 0xed ? 0x9f : lead == 0xf4 ? 0x8f : 0xbf;
+        if (size > 1 && (at(1) < least || at(1) > most)) return false;
+        for (std::size_t i = 2; i < size; ++i) {
+            if (at(i) < 0x80 || at(i) > 0xbf) return false;
+        }
         text.remove_prefix(size);
     }
     return true;

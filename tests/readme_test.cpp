@@ -1,5 +1,5 @@
-// The code of the README, compiled and run: its first block stands at namespace scope, its second in a function,
-// and the file and the output that it shows are compared with what happens.
+// The code of the README, compiled and run: its first block stands at namespace scope, its second
+// in a function, and the file and the output that it shows are compared with what happens.
 #include <filesystem>
 #include <fstream>
 #include <iostream>

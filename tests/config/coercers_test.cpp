@@ -43,6 +43,17 @@ Integer power_of_ten(std::size_t exponent) {
     return Integer::parse("1" + std::string(exponent, '0')).value();
 }
 
+// 2^1024 - 2^970, the least integer that is nearest to no finite double.
+const std::string border_text =
+    "1797693134862315807937289714053034150799341327100378269361737789804449682927647509466490"
+    "1797758720709633028641669288791094655554785194040263065748867150582068190890200070838367"
+    "6273854845817711531764475730270069855571366959622842914819860834936475292719074168444365"
+    "510704342711559699508093042880177904174497792";
+const Integer border = Integer::parse(border_text).value();
+const Integer border_less_one = Integer::parse(border_text.substr(0, 308) + "1").value();
+const std::string too_large =
+    "OverflowError: expected an integer below 2^1024 - 2^970 in magnitude, got ";
+
 TEST(Coercers, Bool) {
     expect_outcomes(
         KeyKind::bool_,
@@ -63,8 +74,6 @@ TEST(Coercers, Bool) {
 }
 
 TEST(Coercers, Int) {
-    const std::string too_large =
-        "OverflowError: expected an integer below 2^1024 - 2^970 in magnitude, got ";
     expect_outcomes(KeyKind::int_,
                     {{true, "ValueError: expected an integer, got a boolean"},
                      {infinity, "ValueError: inf is not a finite number"},
@@ -75,6 +84,9 @@ TEST(Coercers, Int) {
                      {1e20, "100000000000000000000"},
                      {power_of_ten(300), "1" + std::string(300, '0')},
                      {power_of_ten(309), too_large + "1" + std::string(76, '0') + "..."},
+                     {border_less_one, border_less_one.text()},
+                     {border, too_large + border_text.substr(0, 77) + "..."},
+                     {"-" + border_text, too_large + "'-" + border_text.substr(0, 75) + "..."},
                      {std::string(10'000'000, '9'), too_large + "'" + std::string(76, '9') + "..."},
                      {"-" + std::string(10'000'000, '0') + "1", "-1"},
                      {" 42 ", "42"},
@@ -92,8 +104,6 @@ TEST(Coercers, Int) {
 }
 
 TEST(Coercers, Float) {
-    std::string limit = display(Integer::truncated(std::numeric_limits<double>::max()));
-    const ConfigValue largest = Integer::parse(limit.replace(17, 3, "807")).value();
     expect_outcomes(
         KeyKind::float_,
         {{false, "ValueError: expected a number, got a boolean"},
@@ -102,7 +112,8 @@ TEST(Coercers, Float) {
          {(1LL << 53) + 1, "9007199254740992.0"},
          {-0.0, "-0.0"},
          {power_of_ten(308), "1e+308"},
-         {largest, "1.7976931348623157e+308"},
+         {border_less_one, "1.7976931348623157e+308"},
+         {border, too_large + border_text.substr(0, 77) + "..."},
          {power_of_ten(309),
           "OverflowError: expected an integer below 2^1024 - 2^970 in magnitude, got 1" +
               std::string(76, '0') + "..."},
@@ -122,6 +133,12 @@ TEST(Coercers, Float) {
          {"1e999999999999", "ValueError: '1e999999999999' is not a finite number"},
          {std::string(100, '9') + "e999",
           "ValueError: '" + std::string(76, '9') + "... is not a finite number"},
+         {"10e9223372036854775807",
+          "ValueError: \'10e9223372036854775807\' is not a finite number"},
+         {"123e9223372036854775806",
+          "ValueError: \'123e9223372036854775806\' is not a finite number"},
+         {"0.01e-9223372036854775807", "0.0"},
+         {"0.01e-9223372036854775808", "0.0"},
          {" -Infinity", "ValueError: ' -Infinity' is not a finite number"},
          {"+iNF", "ValueError: '+iNF' is not a finite number"},
          {"-nan", "ValueError: '-nan' is not a finite number"},

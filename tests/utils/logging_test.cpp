@@ -1,5 +1,6 @@
 #include "velmora/utils/logging.hpp"
 
+#include <atomic>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -18,6 +19,14 @@ std::string plain_text(const Watched& watched) {
 }
 std::string display(const Watched& watched) {
     return ++*watched.writes, "<shown>";
+}
+
+struct Unwritable {};
+std::string plain_text(const Unwritable&) {
+    throw std::runtime_error("no text");
+}
+std::string display(const Unwritable&) {
+    throw std::runtime_error("no form");
 }
 
 class Logging : public testing::Test {
@@ -94,8 +103,28 @@ TEST_F(Logging, FallsBackToOneLineOnStandardError) {
     }
 }
 
+TEST_F(Logging, OutlivesSinksThatLogAndArgumentsThatFail) {
+    set_sink([this](const LogRecord& record) {
+        records.push_back(record);
+        if (record.logger() == "test.outer") logger("test.inner").warning("inner");
+    });
+    logger("test.outer").warning("%s of %s", 3, -4L);
+    ASSERT_EQ(records.size(), 2U);
+    EXPECT_EQ(records[0].message(), "3 of -4");
+    set_sink({});
+    testing::internal::CaptureStderr();
+    logger("test.outer").warning("keeping %r", Unwritable());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "test.outer: warning: keeping %r\n");
+}
+
 TEST_F(Logging, IsSafeFromSeveralThreads) {
     std::vector<std::thread> threads;
+    std::atomic<int> received = 0;
+    const LogSink count = [&](const LogRecord&) { ++received; };
+    set_sink(count);
+    threads.emplace_back([&] {
+        for (int turn = 0; turn < 1000; ++turn) set_sink(count);
+    });
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([i] {
             for (int turn = 0; turn < 100; ++turn) {
@@ -106,7 +135,7 @@ TEST_F(Logging, IsSafeFromSeveralThreads) {
         });
     }
     for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(records.size(), 400U);
+    EXPECT_EQ(received, 400);
 }
 
 }  // namespace

@@ -68,7 +68,9 @@ TEST(Quoted, EscapesWhatCannotBeShown) {
         {"\u00a0\u00ad\u200b\u2028\u2003", R"('\xa0\xad\u200b\u2028\u2003')"},
         {"\U000e0001\U0010ffff\ufdd0\u0378", R"('\U000e0001\U0010ffff\ufdd0\u0378')"},
         {"\xff\xc3", R"('\udcff\udcc3')"},
-        {"\xc0\xaf", R"('\udcc0\udcaf')"},                      // overlong
+        {"\xc0\xaf", R"('\udcc0\udcaf')"},  // overlong
+        {"\xe0\x80\xaf", R"('\udce0\udc80\udcaf')"},
+        {"\xf0\x80\x80\xaf", R"('\udcf0\udc80\udc80\udcaf')"},
         {"\xed\xa0\x80", R"('\udced\udca0\udc80')"},            // a surrogate
         {"\xf4\x90\x80\x80", R"('\udcf4\udc90\udc80\udc80')"},  // beyond U+10FFFF
         {"\xe2\x82", R"('\udce2\udc82')"},                      // truncated

@@ -19,25 +19,24 @@ std::partial_ordering compare(const Integer& integer, double real) {
     return whole != 0 ? std::partial_ordering(whole) : 0.0 <=> real - std::trunc(real);
 }
 
-// The decimal exponent of the first digit of an unsigned decimal number other than zero: 2 for
-// 123.4, -1 for 0.5. An exponent too large to be held counts as the largest.
-std::int64_t leading_exponent(std::string_view text) {
+// Whether an unsigned decimal number that no double is near to is too large for one, and not too
+// small.
+bool is_too_large(std::string_view text) {
     const std::size_t mark = std::min(text.find_first_of("eE"), text.size());
-    const std::string_view digits = text.substr(0, mark);
-    const std::size_t point = std::min(digits.find('.'), digits.size());
-    const std::size_t leading = digits.find_first_not_of("0.");
-    const auto position = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(leading);
     std::int64_t exponent = 0;
     if (mark < text.size()) {
         std::string_view written = text.substr(mark + 1);
         if (written.starts_with('+')) written.remove_prefix(1);
-        if (std::from_chars(written.data(), written.data() + written.size(), exponent).ec !=
-            std::errc()) {
-            constexpr std::int64_t beyond_any_text = std::numeric_limits<std::int64_t>::max() / 2;
-            exponent = written.starts_with('-') ? -beyond_any_text : beyond_any_text;
-        }
+        const auto read =
+            std::from_chars(written.data(), written.data() + written.size(), exponent);
+        // No text is so long that its digits could make up for more.
+        constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max() / 2;
+        if (read.ec != std::errc()) exponent = written.starts_with('-') ? -most : most;
+        exponent = std::clamp(exponent, -most, most);
     }
-    return exponent + (leading < point ? position - 1 : position);
+    const auto point = static_cast<std::int64_t>(std::min(text.find('.'), mark));
+    const auto first_digit = static_cast<std::int64_t>(text.find_first_of("123456789"));
+    return exponent + point - first_digit > 0;
 }
 
 }  // namespace
@@ -75,13 +74,15 @@ std::optional<double> parse_decimal(std::string_view text) {
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) text.remove_prefix(1);
     // std::from_chars takes another sign, and words, as well.
-    if (text.find_first_of(".0123456789") != 0) return std::nullopt;
+    constexpr std::string_view begins_decimal = ".0123456789";
+    if (text.empty() || begins_decimal.find(text.front()) == std::string_view::npos)
+        return std::nullopt;
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error == std::errc::invalid_argument || end != text.data() + text.size())
         return std::nullopt;
     if (error == std::errc::result_out_of_range) {
-        value = leading_exponent(text) < 0 ? 0.0 : std::numeric_limits<double>::infinity();
+        value = is_too_large(text) ? std::numeric_limits<double>::infinity() : 0.0;
     }
     return negative ? -value : value;
 }

@@ -1,5 +1,6 @@
 #include "velmora/utils/logging.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <map>
@@ -9,14 +10,24 @@ namespace velmora::utils {
 
 namespace {
 
-void write_to_standard_error(const LogRecord& record) {
+void write_line(const LogRecord& record, std::string_view message) {
     std::string line = record.logger() + ": ";
-    line.append(name_of(record.level()))
-        .append(": ")
-        .append(one_line(record.message()))
-        .append("\n");
+    line.append(name_of(record.level())).append(": ").append(one_line(message)).append("\n");
     // In one call, so that lines of several threads do not mix.
     std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+void write_to_standard_error(const LogRecord& record) {
+    write_line(record, record.message());
+}
+
+// The template alone when an argument cannot be written.
+void write_whatever_can_be(const LogRecord& record) {
+    try {
+        write_to_standard_error(record);
+    } catch (...) {
+        write_line(record, record.message_template());
+    }
 }
 
 // The sink of all loggers. Its user may outlive its replacement.
@@ -132,7 +143,7 @@ void Logger::emit(Level level, std::string_view message_template,
     try {
         (*shared_sink().get())(record);
     } catch (...) {
-        write_to_standard_error(record);
+        write_whatever_can_be(record);
     }
 }
 

@@ -48,6 +48,9 @@ public:
     LogArgument(const char* text) : LogArgument(std::string(text)) {}
     /// An error is written as its message.
     LogArgument(const std::exception& error) : LogArgument(error.what()) {}
+    template <std::integral I>
+    requires(!std::same_as<I, bool> && !std::same_as<I, char>) LogArgument(I value)
+        : forms_(std::make_shared<OfInteger>(std::to_string(value))) {}
     template <Displayable T>
     LogArgument(T value) : forms_(std::make_shared<Of<T>>(std::move(value))) {}
 
@@ -67,6 +70,13 @@ private:
         explicit OfText(std::string text) : held(std::move(text)) {}
         std::string text() const override { return held; }
         std::string form() const override { return quoted_text(held); }
+        std::string held;
+    };
+
+    struct OfInteger final : Forms {
+        explicit OfInteger(std::string digits) : held(std::move(digits)) {}
+        std::string text() const override { return held; }
+        std::string form() const override { return held; }
         std::string held;
     };
 
@@ -113,7 +123,9 @@ private:
 /// throws goes nowhere: the record is then written to standard error.
 using LogSink = std::function<void(const LogRecord&)>;
 
-/// Replaces the sink of all loggers; an empty one brings back the default, standard error.
+/// Replaces the sink of all loggers; an empty one brings back the default, standard error. The old
+/// sink may still be running in other threads when this returns, and lives until they are done. A
+/// sink may log, or replace itself.
 void set_sink(LogSink sink);
 
 class Logger {
@@ -131,7 +143,7 @@ public:
     void set_level(std::optional<Level> level);
 
     /// Hands a record to the sink when `level` is enabled; else nothing is copied or put together.
-    /// Never fails on the part of the sink.
+    /// What the sink throws, or an argument that is written, does not pass.
     template <class... Arguments>
     void log(Level level, std::string_view message_template, const Arguments&... arguments) {
         if (enabled(level)) emit(level, message_template, {LogArgument(arguments)...});

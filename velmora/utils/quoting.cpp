@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "velmora/utils/unicode.hpp"
 
@@ -77,7 +78,7 @@ void append_quoted(std::string& out, std::string_view text, std::size_t enough) 
     const char quote = quote_for(text);
     // No character takes fewer bytes escaped than plain, so no byte behind `end` is needed.
     const std::size_t end = std::min(text.size(), enough - out.size());
-    out.reserve(out.size() + end + 2);
+    if (out.empty()) out.reserve(end + 2);
     out += quote;
     std::size_t copied = 0;
     std::size_t at = 0;

@@ -1,21 +1,42 @@
-// The code of the README, compiled: its first block stands at namespace scope, its second in a
-// function.
+// The code of the README, compiled and run: its first block stands at namespace scope, its second in a function,
+// and the file and the output that it shows are compared with what happens.
+#include <filesystem>
+#include <fstream>
 #include <iostream>
+#include <sstream>
 
 #include <gtest/gtest.h>
 
 #include "readme_1.inc"
+#include "velmora/utils/logging.hpp"
+#include "velmora/yaml/yaml.hpp"
 
 namespace {
 
-TEST(Readme, ShowsCodeThatWorks) {
-    testing::internal::CaptureStdout();
-#include "readme_2.inc"
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "server.host: Address that the server listens on.\n"
-              "server.port: Port that the server listens on.\n"
-              "server.tags: Tags that every response carries.\n");
+// The first block of this language in the README.
+std::string block(const std::string& language) {
+    std::ifstream file(VELMORA_README);
+    std::stringstream readme;
+    readme << file.rdbuf();
+    const std::string text = readme.str();
+    const std::string fence = "\n```" + language + "\n";
+    const std::size_t start = text.find(fence) + fence.size();
+    return text.substr(start, text.find("```\n", start) - start);
+}
+
+void listen(const std::string& host, std::uint16_t port) {
+    EXPECT_EQ(host, "0.0.0.0");
     EXPECT_EQ(port, 8080);
+}
+
+TEST(Readme, ShowsWhatHappens) {
+    std::filesystem::current_path(testing::TempDir());
+    std::ofstream("app.yaml") << block("yaml");
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+#include "readme_2.inc"
+    const std::string warnings = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(warnings + testing::internal::GetCapturedStdout(), block("text"));
 }
 
 }  // namespace

@@ -12,9 +12,9 @@
 
 namespace velmora::config {
 
-/// The value so that no two kinds look alike: None, True, 42, 1.0, 'text', ['a', 1], {'key': None}. Texts are
-/// quoted as `utils::quoted_text` does; a list or mapping that occurs again inside itself is "[...]" or
-/// "{...}" there. Always finite, valid UTF-8.
+/// The value so that no two kinds look alike: None, True, 42, 1.0, 'text', ['a', 1], {'key': None}.
+/// Texts are quoted as `utils::quoted_text` does; a list or mapping that occurs again inside itself
+/// is "[...]" or "{...}" there. Always finite, valid UTF-8.
 std::string display(const ConfigValue& value);
 
 /// What a value becomes as a text: a text itself, everything else its display form.

@@ -49,9 +49,9 @@ private:
 /// integer as the nearest double. Throws OverflowError when there is none.
 std::string number_text(const Number& number);
 
-/// The double nearest to the number that `text` spells: an optional sign and ASCII digits with an optional
-/// point and exponent, nothing else; an infinity when it is too large for a double, zero when it is too
-/// small. Takes time linear in the length of the text.
+/// The double nearest to the number that `text` spells: an optional sign and ASCII digits with an
+/// optional point and exponent, nothing else; an infinity when it is too large for a double, zero
+/// when it is too small. Takes time linear in the length of the text.
 std::optional<double> parse_decimal(std::string_view text);
 
 }  // namespace velmora::config

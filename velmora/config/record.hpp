@@ -78,8 +78,9 @@ private:
 /// resolved when the declared types are asked for, and owns nothing.
 class TypeReference {
 public:
-    /// Returns the type, or nothing when there is none. What it returns must be built by the time it is
-    /// called: where static initialisers in several files resolve types, return a static of a function.
+    /// Returns the type, or nothing when there is none. What it returns must be built by the time
+    /// it is called: where static initialisers in several files resolve types, return a static of a
+    /// function.
     using Resolve = std::function<std::optional<DeclaredType>()>;
 
     /// `name` is what messages call the type.
@@ -237,10 +238,10 @@ public:
     /// The value of a field. Throws TypeError when there is no such field.
     const FieldValue& operator[](std::string_view field) const;
 
-    /// The value of a field as a `T`: `Record` for a record, else whatever `ConfigValue::as` reads. A field
-    /// declared as float reads as a double, the nearest one, also where an integer stands, as a default
-    /// may. Throws TypeError when there is no such field or its value is no `T`, an integer that does not
-    /// fit included.
+    /// The value of a field as a `T`: `Record` for a record, else whatever `ConfigValue::as` reads.
+    /// A field declared as float reads as a double, the nearest one, also where an integer stands,
+    /// as a default may. Throws TypeError when there is no such field or its value is no `T`, an
+    /// integer that does not fit included.
     template <class T>
     T get(std::string_view field) const;
 

@@ -87,8 +87,8 @@ void Shared::release() noexcept {
     }
 }
 
-// Synchronous trial deletion after Bacon and Rajan, "Concurrent Cycle Collection in Reference Counted
-// Systems" (2001).
+// Synchronous trial deletion after Bacon and Rajan, "Concurrent Cycle Collection in Reference
+// Counted Systems" (2001).
 void Shared::release_in_cycle() noexcept {
     std::unique_lock lock(cycle_mutex());
     if (handles_.fetch_sub(1, std::memory_order_acq_rel) == 1) {

@@ -278,8 +278,8 @@ ConfigValue ConfigValue::deep_copy() const {
 
 namespace {
 
-// Lists and mappings are hashed down to this depth, and only so many items from both ends of each list, so
-// that every hash is cheap and ends.
+// Lists and mappings are hashed down to this depth, and only so many items from both ends of each
+// list, so that every hash is cheap and ends.
 constexpr int hashed_depth = 3;
 constexpr std::size_t hashed_items = 4;
 

@@ -26,17 +26,17 @@ namespace velmora::config {
 
 class ConfigValue;
 
-/// A list of values. A handle: copies share one list, which `copy` does not. Once moved from, it may only be
-/// assigned to or destroyed.
+/// A list of values. A handle: copies share one list, which `copy` does not. Once moved from, it
+/// may only be assigned to or destroyed.
 ///
-/// A list may contain itself, directly or through others. To free such lists when their last handle from
-/// outside goes, letting go of any handle of them takes a walk through all that the handle reaches; to
-/// threads, they are one object, of which dropping a handle is a use like reading.
+/// A list may contain itself, directly or through others. To free such lists when their last handle
+/// from outside goes, letting go of any handle of them takes a walk through all that the handle
+/// reaches; to threads, they are one object, of which dropping a handle is a use like reading.
 class List {
 public:
     List();
-    /// A list of these items. One list in braces is itself, as with every type: a list of one list is
-    /// List{ConfigValue(list)}.
+    /// A list of these items. One list in braces is itself, as with every type: a list of one list
+    /// is List{ConfigValue(list)}.
     template <class... Items>
     requires(!(sizeof...(Items) == 1 && (std::same_as<std::remove_cvref_t<Items>, List> && ...)) &&
              sizeof...(Items) > 0 &&
@@ -171,8 +171,9 @@ public:
     }
 
     /// The value as a `T` when it is one, without any conversion between kinds: bool, a built-in
-    /// integer type that the integer fits, Integer, double, Number, std::string, List, Mapping, ConfigValue, a vector of such types for a
-    /// list of them, or an optional of one, which is empty for null.
+    /// integer type that the integer fits, Integer, double, Number, std::string, List, Mapping,
+    /// ConfigValue, a vector of such types for a list of them, or an optional of one, which is
+    /// empty for null.
     template <class T>
     std::optional<T> as() const;
 

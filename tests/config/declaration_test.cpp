@@ -106,16 +106,5 @@ TEST(Setting, DiffersWhenAnyFieldDoes) {
               "SectionSetting(doc='d', restart='none')");
 }
 
-TEST(ConfigKeyError, IsAValueErrorThatMayHaveACause) {
-    try {
-        throw ConfigKeyError("message", std::make_exception_ptr(OverflowError("cause")));
-    } catch (const ValueError& error) {
-        EXPECT_STREQ(error.what(), "message");
-        const auto& own = dynamic_cast<const ConfigKeyError&>(error);
-        EXPECT_THROW(std::rethrow_exception(own.cause()), OverflowError);
-    }
-    EXPECT_EQ(ConfigKeyError("message").cause(), nullptr);
-}
-
 }  // namespace
 }  // namespace velmora::config

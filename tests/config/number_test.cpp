@@ -53,26 +53,6 @@ TEST(Integer, KeepsBuiltInIntegersAndGivesBackOnlyWhatFits) {
     static_assert(!BuiltinInteger<bool> && !BuiltinInteger<char> && !BuiltinInteger<char32_t>);
 }
 
-TEST(Integer, TruncatesDoublesTowardZero) {
-    EXPECT_EQ(Integer::truncated(-2.9).text(), "-2");
-    EXPECT_EQ(Integer::truncated(1e20).text(), "100000000000000000000");
-    EXPECT_EQ(Integer::truncated(-0x1p63).text(), "-9223372036854775808");
-    EXPECT_EQ(Integer::truncated(0x1p63).text(), "9223372036854775808");
-    EXPECT_EQ(Integer::truncated(largest).to_double(), largest);
-    EXPECT_THROW(Integer::truncated(nan), ValueError);
-}
-
-TEST(Integer, ConvertsToTheNearestDouble) {
-    EXPECT_EQ(Integer((1LL << 53) + 1).to_double(), 0x1p53);
-    EXPECT_EQ(integer("18446744073709551616").to_double(), 0x1p64);
-    ASSERT_EQ(too_large.size(), 309U);
-    EXPECT_THROW((void)integer("-" + too_large).to_double(), OverflowError);
-    EXPECT_THROW((void)integer(std::string(100000, '9')).to_double(), OverflowError);
-    std::string one_less = too_large;
-    one_less.back() = '1';
-    EXPECT_EQ(integer(one_less).to_double(), largest);
-}
-
 TEST(Number, OrdersIntegersAndDoublesExactly) {
     const Number ascending[] = {
         -infinity,

@@ -25,6 +25,18 @@
 namespace velmora::config {
 
 class ConfigValue;
+class List;
+
+/// What a mapping may hold under, but for texts; nullptr stands for null.
+template <class Key>
+concept KeyBesidesText = std::convertible_to<const Key&, ConfigValue> &&
+    (std::is_null_pointer_v<Key> || !std::convertible_to<const Key&, std::string_view>);
+
+/// What a list may be made of: anything but one list, which is itself.
+template <class... Items>
+concept ListItems = !(sizeof...(Items) == 1 &&
+                      (std::same_as<std::remove_cvref_t<Items>, List> && ...)) &&
+                    sizeof...(Items) > 0 && (std::convertible_to<Items, ConfigValue> && ...);
 
 /// A list of values. A handle: copies share one list, which `copy` does not. Once moved from, it
 /// may only be assigned to or destroyed.
@@ -38,12 +50,8 @@ public:
     /// A list of these items. One list in braces is itself, as with every type: a list of one list
     /// is List{ConfigValue(list)}.
     template <class... Items>
-    requires(!(sizeof...(Items) == 1 && (std::same_as<std::remove_cvref_t<Items>, List> && ...)) &&
-             sizeof...(Items) > 0 &&
-             (std::convertible_to<Items, ConfigValue> && ...)) explicit List(Items&&... items)
-        : List() {
-        (push_back(std::forward<Items>(items)), ...);
-    }
+    requires ListItems<Items...>
+    explicit List(Items&&... items) : List() { (push_back(std::forward<Items>(items)), ...); }
     template <std::same_as<std::vector<ConfigValue>> Items>
     explicit List(Items items) : List(FromItems{}, std::move(items)) {}
 
@@ -98,10 +106,8 @@ public:
     /// The value under `key`, null when there is none; valid until the mapping is changed. Takes
     /// constant expected time.
     const ConfigValue* find(std::string_view key) const;
-    template <class Key>
-    requires(std::convertible_to<const Key&, ConfigValue> &&
-             (std::is_null_pointer_v<Key> || !std::convertible_to<const Key&, std::string_view>))
-        const ConfigValue* find(const Key& key) const {
+    template <KeyBesidesText Key>
+    const ConfigValue* find(const Key& key) const {
         return find_value(key);
     }
     /// The entry under `key`, like `find`, for a caller who guesses its position: the entry at

@@ -38,7 +38,8 @@ Reading read_flag(std::string_view text) {
 Reading read_power_of_two_base(std::string_view digits, int bits) {
     const std::string_view all_digits = "0123456789abcdefABCDEF";
     const std::string_view allowed = bits == 3 ? all_digits.substr(0, 8) : all_digits;
-    if (digits.empty() || digits.find_first_not_of(allowed) != digits.npos) return std::nullopt;
+    if (digits.empty() || digits.find_first_not_of(allowed) != std::string_view::npos)
+        return std::nullopt;
     constexpr std::size_t most_digits = 4096;
     if (digits.size() > most_digits) {
         throw ValueError("an integer in base 8 or 16 has at most 4096 digits");

@@ -105,14 +105,14 @@ Record Section::read(const ConfigValue& data) const {
         return std::move(draft).finish();
     }
     std::size_t expected_entry = 0;
-    std::size_t expected_field = 0;
-    for (const Key& key : keys_) {
-        const std::size_t field = kind_.position_of(key.name(), expected_field++);
+    for (std::size_t i = 0; i < keys_.size(); ++i) {
+        const Key& key = keys_[i];
         const Mapping::Entry* entry = mapping->find_entry(key.name(), expected_entry);
         if (entry == nullptr) continue;
         expected_entry = static_cast<std::size_t>(entry - mapping->begin()) + 1;
         try {
-            draft.give(field, key.coerce(entry->value));
+            ConfigValue value = key.coerce(entry->value);
+            draft.give(kind_.position_of(key.name(), i), std::move(value));
         } catch (const ConfigKeyError& error) {
             log().warning("Ignoring %s in the config file: %s; keeping the default %r", key.label(),
                           error, key.default_value());

@@ -304,6 +304,9 @@ public:
 
     /// Gives the field at `position`, which must exist, its value.
     void give(std::size_t position, FieldValue value) { values_[position] = std::move(value); }
+    void give(std::size_t position, ConfigValue&& value) {
+        values_[position].held_.emplace<ConfigValue>(std::move(value));
+    }
 
     /// The record of what was given and, in the order of the fields, the defaults of the rest.
     /// Throws as `RecordType::make` does.

@@ -196,8 +196,9 @@ bool operator==(const Mapping& a, const Mapping& b) {
 
 // --- ConfigValue ---
 
-ConfigValue::ConfigValue(ConfigValue&& other) noexcept
-    : value_(std::exchange(other.value_, std::monostate{})) {}
+ConfigValue::ConfigValue(ConfigValue&& other) noexcept : value_(std::move(other.value_)) {
+    other.value_.emplace<std::monostate>();
+}
 
 ConfigValue& ConfigValue::operator=(ConfigValue&& other) noexcept {
     value_ = std::exchange(other.value_, std::monostate{});

@@ -1,6 +1,5 @@
 #include "velmora/config/record.hpp"
 
-#include <algorithm>
 #include <array>
 #include <ostream>
 #include <unordered_map>

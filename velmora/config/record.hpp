@@ -10,7 +10,6 @@
 #pragma once
 
 #include <any>
-#include <compare>
 #include <concepts>
 #include <cstddef>
 #include <functional>

@@ -51,8 +51,7 @@ ConfigValue coerce_to_kind(const Key& key, const ConfigValue& value) {
     }
 }
 
-std::string sorted_and_joined(std::vector<std::string> texts) {
-    std::sort(texts.begin(), texts.end());
+std::string joined(const std::vector<std::string>& texts) {
     std::string out;
     std::string_view separator;
     for (const std::string& text : texts) {
@@ -62,6 +61,11 @@ std::string sorted_and_joined(std::vector<std::string> texts) {
     return out;
 }
 
+std::string joined_in_order(std::vector<std::string> texts) {
+    std::sort(texts.begin(), texts.end());
+    return joined(texts);
+}
+
 // One setting equals itself, even with bounds that are not numbers.
 template <class T>
 bool same_or_equal(const std::shared_ptr<const T>& a, const std::shared_ptr<const T>& b) {
@@ -69,12 +73,10 @@ bool same_or_equal(const std::shared_ptr<const T>& a, const std::shared_ptr<cons
 }
 
 std::string display_keys(const std::vector<Key>& keys) {
-    std::string out = "[";
-    for (const Key& key : keys) {
-        if (out.size() > 1) out += ", ";
-        out += display(key);
-    }
-    return out += ']';
+    std::vector<std::string> forms;
+    forms.reserve(keys.size());
+    for (const Key& key : keys) forms.push_back(display(key));
+    return "[" + joined(forms) + "]";
 }
 
 }  // namespace
@@ -90,7 +92,7 @@ ConfigValue Key::coerce(const ConfigValue& value) const {
     };
     const std::vector<std::string>& choices = setting_->choices();
     if (!choices.empty() && !is_one_of(coerced, choices))
-        refuse_for(". Must be one of: " + sorted_and_joined(choices));
+        refuse_for(". Must be one of: " + joined_in_order(choices));
     const std::optional<Bound>& bounds = setting_->bounds();
     if (bounds && !bounds->admits(coerced)) refuse_for(". It must be " + bounds->text());
     return coerced;

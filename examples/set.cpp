@@ -6,16 +6,18 @@
 #include <string_view>
 
 #include <velmora/config/spec.hpp>
+#include <velmora/utils/nearest_name.hpp>
 #include <velmora/utils/quoting.hpp>
 #include <velmora/yaml/yaml.hpp>
 
 #include "file_values.hpp"
-#include "nearest_name.hpp"
 #include "replace_file.hpp"
 #include "settings.hpp"
 #include "yaml_edit.hpp"
 
 using namespace velmora::config;
+using velmora::utils::did_you_mean;
+using velmora::utils::names_of;
 using velmora::utils::shown_text;
 
 namespace {

@@ -10,13 +10,15 @@
 
 #include <velmora/config/spec.hpp>
 #include <velmora/utils/logging.hpp>
+#include <velmora/utils/nearest_name.hpp>
 #include <velmora/yaml/yaml.hpp>
 
 #include "file_values.hpp"
-#include "nearest_name.hpp"
 #include "settings.hpp"
 
 using namespace velmora::config;
+using velmora::utils::did_you_mean;
+using velmora::utils::names_of;
 
 namespace {
 
@@ -25,7 +27,7 @@ velmora::utils::Logger& log() {
 }
 
 void warn_of_unknown_keys(const Section& section, const Mapping& data) {
-    const std::vector<std::string> known = names_of(section.keys());
+    const std::vector<std::string_view> known = names_of(section.keys());
     for (const auto& [key, value] : data) {
         const std::string name = plain_text(key);
         if (std::find(known.begin(), known.end(), name) != known.end()) continue;
@@ -40,7 +42,7 @@ void warn_of_unknown_names(const std::vector<Section>& sections, const ConfigVal
         if (!file.is_null()) log().warning("Ignoring the config file: it is not a mapping");
         return;
     }
-    const std::vector<std::string> known = names_of(sections);
+    const std::vector<std::string_view> known = names_of(sections);
     for (const auto& [key, value] : *mapping) {
         const std::string name = plain_text(key);
         const auto found = std::find(known.begin(), known.end(), name);

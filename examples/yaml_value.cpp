@@ -15,15 +15,6 @@ namespace utils = velmora::utils;
 
 namespace {
 
-bool is_utf8(std::string_view text) {
-    while (!text.empty()) {
-        const auto [code, size] = utils::first_character(text);
-        if (code >= 0xd800 && code <= 0xdfff) return false;
-        text.remove_prefix(size);
-    }
-    return true;
-}
-
 // Whether every reader of YAML, an old one too, takes `text` for a text when it is not quoted.
 bool needs_no_quotes(std::string_view text) {
     constexpr std::string_view letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
@@ -42,7 +33,7 @@ bool needs_no_quotes(std::string_view text) {
 }
 
 std::string text_of(const std::string& text) {
-    if (!is_utf8(text)) throw velmora::ValueError(utils::shown_text(text) + " is no UTF-8");
+    if (!utils::is_utf8(text)) throw velmora::ValueError(utils::shown_text(text) + " is no UTF-8");
     if (needs_no_quotes(text)) return text;
     std::string escaped;
     for (const char c : text) {

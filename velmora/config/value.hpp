@@ -188,6 +188,13 @@ public:
     template <class T>
     T get() const;
 
+    /// The value under `key` when this is a mapping that has one, else null; valid as
+    /// `Mapping::find` says.
+    const ConfigValue* find(std::string_view key) const {
+        const auto* mapping = get_if<Mapping>();
+        return mapping != nullptr ? mapping->find(key) : nullptr;
+    }
+
     /// What kind of value this is, in words: "null", "a flag", "an integer", "a float", "a text",
     /// "a list" or "a mapping".
     std::string_view kind_text() const noexcept;

@@ -62,6 +62,15 @@ std::size_t prefix_size(std::string_view text, std::size_t count) noexcept {
     return size;
 }
 
+bool is_utf8(std::string_view text) noexcept {
+    while (!text.empty()) {
+        const auto [code, size] = first_character(text);
+        if (is_stray_byte(code)) return false;
+        text.remove_prefix(size);
+    }
+    return true;
+}
+
 bool is_printable(char32_t code) noexcept {
     if (code < 0x80) return code >= 0x20 && code != 0x7f;
     if (code > 0x10ffff) return false;

@@ -21,6 +21,14 @@ Character first_character(std::string_view text) noexcept;
 /// The bytes that the first `count` characters of `text` take; all of them when it has no more.
 std::size_t prefix_size(std::string_view text, std::size_t count) noexcept;
 
+/// Whether `code` stands for a byte that is no UTF-8.
+constexpr bool is_stray_byte(char32_t code) noexcept {
+    return code >= 0xdc80 && code <= 0xdcff;
+}
+
+/// Whether `text` is well-formed UTF-8.
+bool is_utf8(std::string_view text) noexcept;
+
 /// Whether a character can be shown as it is: its general category is none of Cc, Cf, Cs, Co, Cn,
 /// Zl, Zp and Zs. The space is the one exception.
 bool is_printable(char32_t code) noexcept;

@@ -1,10 +1,12 @@
-#include "nearest_name.hpp"
+#include "velmora/utils/nearest_name.hpp"
 
 #include <algorithm>
 #include <cstddef>
 #include <utility>
 
-#include <velmora/utils/quoting.hpp>
+#include "velmora/utils/quoting.hpp"
+
+namespace velmora::utils {
 
 namespace {
 
@@ -31,15 +33,20 @@ std::size_t edit_distance(std::string_view a, std::string_view b) {
 
 }  // namespace
 
-std::string did_you_mean(std::string_view name, const std::vector<std::string>& known) {
-    std::size_t least = std::max<std::size_t>(1, name.size() / 3) + 1;
-    const std::string* nearest = nullptr;
-    for (const std::string& each : known) {
+std::string did_you_mean(std::string_view name, const std::vector<std::string_view>& known) {
+    const std::size_t most = std::max<std::size_t>(1, name.size() / 3);
+    std::size_t least = most + 1;
+    std::string_view nearest;
+    for (const std::string_view each : known) {
+        const auto [shorter, longer] = std::minmax(name.size(), each.size());
+        if (longer - shorter >= least) continue;
         const std::size_t distance = edit_distance(name, each);
         if (distance >= least) continue;
         least = distance;
-        nearest = &each;
+        nearest = each;
     }
-    if (nearest == nullptr) return "";
-    return "; did you mean " + velmora::utils::quoted_text(*nearest) + "?";
+    if (least > most) return "";
+    return "; did you mean " + quoted_text(nearest) + "?";
 }
+
+}  // namespace velmora::utils

@@ -1,0 +1,10 @@
+// What a shared library shows: everything else in it is built with hidden visibility.
+#pragma once
+
+/// Stands before the classes and functions that a user of the library may name. Exceptions are
+/// caught by type across libraries, so their classes need it as well.
+#if defined(__GNUC__)
+#define VELMORA_EXPORT __attribute__((visibility("default")))
+#else
+#define VELMORA_EXPORT
+#endif

@@ -1,0 +1,25 @@
+// Guessing what a misspelt name was meant to be.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velmora/utils/export.hpp"
+
+namespace velmora::utils {
+
+/// "; did you mean 'port'?" for the known name that `name` is nearest to (optimal string
+/// alignment, in bytes), nothing when none is near enough for it to be a slip of the finger.
+VELMORA_EXPORT std::string did_you_mean(std::string_view name,
+                                        const std::vector<std::string_view>& known);
+
+/// The names of a range of things that have one: sections, keys or fields.
+template <class Named>
+std::vector<std::string_view> names_of(const Named& all) {
+    std::vector<std::string_view> names;
+    for (const auto& each : all) names.push_back(each.name());
+    return names;
+}
+
+}  // namespace velmora::utils

@@ -6,8 +6,11 @@
 #include <iosfwd>
 #include <optional>
 #include <string>
+#include <utility>
 
+#include "velmora/config/number.hpp"
 #include "velmora/config/value.hpp"
+#include "velmora/utils/export.hpp"
 
 namespace velmora::config {
 
@@ -19,15 +22,13 @@ struct BoundOptions {
 
 /// The numbers from `low`, which `low_open` excludes, up to and including `high`, where there is
 /// one. Ends are kept as they are given; a bound whose `low` lies above its `high` admits nothing.
-class Bound {
+class VELMORA_EXPORT Bound {
 public:
-    explicit Bound(Number low, std::optional<Number> high = std::nullopt)
-        : Bound(std::move(low), BoundOptions{.high = std::move(high)}) {}
-    template <std::same_as<bool> Flag>
-    Bound(Number low, std::optional<Number> high, Flag low_open)
-        : Bound(std::move(low), BoundOptions{std::move(high), low_open}) {}
+    template <std::same_as<bool> Flag = bool>
+    explicit Bound(Number low, std::optional<Number> high = std::nullopt, Flag low_open = false)
+        : low_(std::move(low)), high_(std::move(high)), low_open_(low_open) {}
     Bound(Number low, BoundOptions options)
-        : low_(std::move(low)), high_(std::move(options.high)), low_open_(options.low_open) {}
+        : Bound(std::move(low), std::move(options.high), options.low_open) {}
 
     const Number& low() const noexcept { return low_; }
     const std::optional<Number>& high() const noexcept { return high_; }
@@ -53,12 +54,12 @@ inline const Bound POSITIVE(0, {.low_open = true});
 inline const Bound NON_NEGATIVE(0);
 inline const Bound PROBABILITY(0, 1);
 
-std::string display(const Bound& bound);
-std::ostream& operator<<(std::ostream& out, const Bound& bound);
+VELMORA_EXPORT std::string display(const Bound& bound);
+VELMORA_EXPORT std::ostream& operator<<(std::ostream& out, const Bound& bound);
 
 }  // namespace velmora::config
 
 template <>
-struct std::hash<velmora::config::Bound> {
+struct VELMORA_EXPORT std::hash<velmora::config::Bound> {
     std::size_t operator()(const velmora::config::Bound& bound) const;
 };

@@ -1,52 +1,54 @@
 #include "velmora/config/coercers.hpp"
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "velmora/config/display.hpp"
+#include "velmora/config/number.hpp"
 #include "velmora/utils/errors.hpp"
 #include "velmora/utils/text_values.hpp"
+#include "velmora/utils/texts.hpp"
 #include "velmora/utils/unicode.hpp"
 
 namespace velmora::config {
 
 namespace {
 
-constexpr bool is_digit(char c) noexcept {
-    return c >= '0' && c <= '9';
-}
-
-// `text` without its underscores; nothing when one does not stand between two digits.
-std::optional<std::string> without_underscores(std::string_view text) {
-    std::string result;
-    result.reserve(text.size());
-    while (true) {
-        const std::size_t mark = std::min(text.find('_'), text.size());
-        result += text.substr(0, mark);
-        if (mark == text.size()) return result;
-        const bool between_digits = mark > 0 && is_digit(text[mark - 1]) &&
-                                    mark + 1 < text.size() && is_digit(text[mark + 1]);
+// `text` without its underscores, `storage` where it has any; nothing when one does not stand
+// between two digits.
+std::optional<std::string_view> without_underscores(std::string_view text, std::string& storage) {
+    std::size_t mark = text.find('_');
+    if (mark == std::string_view::npos) return text;
+    storage.reserve(text.size());
+    std::size_t copied = 0;
+    for (; mark != std::string_view::npos; mark = text.find('_', copied)) {
+        const bool between_digits = mark > 0 && utils::is_digit(text[mark - 1]) &&
+                                    mark + 1 < text.size() && utils::is_digit(text[mark + 1]);
         if (!between_digits) return std::nullopt;
-        text.remove_prefix(mark + 1);
+        storage.append(text, copied, mark - copied);
+        copied = mark + 1;
     }
+    return storage.append(text, copied);
 }
 
 std::optional<Integer> read_integer(std::string_view text) {
-    const auto digits = without_underscores(utils::trimmed(text));
+    std::string storage;
+    const auto digits = without_underscores(utils::trimmed(text), storage);
     return digits ? Integer::parse(*digits) : std::nullopt;
 }
 
 std::optional<double> read_float(std::string_view text) {
-    const auto plain = without_underscores(utils::trimmed(text));
+    std::string storage;
+    const auto plain = without_underscores(utils::trimmed(text), storage);
     if (!plain) return std::nullopt;
     if (const auto decimal = parse_decimal(*plain)) return decimal;
     std::string_view word = *plain;
-    if (word.starts_with('-') || word.starts_with('+')) word.remove_prefix(1);
+    utils::take_sign(word);
     if (utils::equal_ignoring_case(word, "nan")) return std::numeric_limits<double>::quiet_NaN();
     if (utils::equal_ignoring_case(word, "inf") || utils::equal_ignoring_case(word, "infinity")) {
         return std::numeric_limits<double>::infinity();
@@ -54,12 +56,13 @@ std::optional<double> read_float(std::string_view text) {
     return std::nullopt;
 }
 
-[[noreturn]] void refuse_as(const ConfigValue& value, std::string_view kind) {
-    throw ValueError("cannot interpret " + display(value) + " as a " + std::string(kind));
+template <class Error>
+[[noreturn]] void refuse(std::string_view wanted, const ConfigValue& got) {
+    throw Error("expected " + std::string(wanted) + ", got " + _shown(got));
 }
 
-std::string expected(std::string_view wanted, const ConfigValue& got) {
-    return "expected " + std::string(wanted) + ", got " + _shown(got);
+[[noreturn]] void refuse_interpreting(const ConfigValue& value, std::string_view kind) {
+    throw ValueError("cannot interpret " + display(value) + " as a " + std::string(kind));
 }
 
 // The nearest double of `integer`, which `value` stands for.
@@ -67,7 +70,7 @@ double finite_double(const Integer& integer, const ConfigValue& value) {
     try {
         return integer.to_double();
     } catch (const OverflowError&) {
-        throw OverflowError(expected("an integer below 2^1024 - 2^970 in magnitude", value));
+        refuse<OverflowError>("an integer below 2^1024 - 2^970 in magnitude", value);
     }
 }
 
@@ -75,18 +78,18 @@ Integer to_integer(const ConfigValue& value) {
     if (const auto* integer = value.get_if<Integer>()) return *integer;
     if (const auto* real = value.get_if<double>()) return Integer::truncated(*real);
     const auto* text = value.get_if<std::string>();
-    if (text == nullptr) throw TypeError(expected("an integer", value));
+    if (text == nullptr) refuse<TypeError>("an integer", value);
     if (auto integer = read_integer(*text)) return *std::move(integer);
-    throw ValueError(expected("a decimal integer", value));
+    refuse<ValueError>("a decimal integer", value);
 }
 
 double to_double(const ConfigValue& value) {
     if (const auto* integer = value.get_if<Integer>()) return finite_double(*integer, value);
     if (const auto* real = value.get_if<double>()) return *real;
     const auto* text = value.get_if<std::string>();
-    if (text == nullptr) throw TypeError(expected("a number", value));
+    if (text == nullptr) refuse<TypeError>("a number", value);
     if (const auto real = read_float(*text)) return *real;
-    throw ValueError(expected("a decimal number", value));
+    refuse<ValueError>("a decimal number", value);
 }
 
 }  // namespace
@@ -95,7 +98,7 @@ ConfigValue _coerce_bool(const ConfigValue& value) {
     if (value.get_if<bool>() != nullptr) return value;
     if (const auto number = value.as<Number>()) return *number != 0;
     if (const auto* text = value.get_if<std::string>()) return utils::parse_bool(*text);
-    refuse_as(value, "boolean");
+    refuse_interpreting(value, "boolean");
 }
 
 ConfigValue _coerce_number(const ConfigValue& value, KeyKind kind) {
@@ -130,9 +133,16 @@ ConfigValue _coerce_list(const ConfigValue& value) {
     } else if (const auto* text = value.get_if<std::string>()) {
         for (std::string& item : utils::split_csv(*text)) items.emplace_back(std::move(item));
     } else {
-        refuse_as(value, "list");
+        refuse_interpreting(value, "list");
     }
     return List(std::move(items));
+}
+
+Coercer coercer_of(KeyKind kind) {
+    for (const auto& [own_kind, coerce] : _COERCERS) {
+        if (own_kind == kind) return coerce;
+    }
+    throw std::out_of_range("a key of a kind that has no coercer");
 }
 
 }  // namespace velmora::config

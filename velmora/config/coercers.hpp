@@ -3,17 +3,17 @@
 #pragma once
 
 #include <array>
-#include <string>
 #include <utility>
 
 #include "velmora/config/kind.hpp"
 #include "velmora/config/value.hpp"
+#include "velmora/utils/export.hpp"
 
 namespace velmora::config {
 
 /// A flag. Numbers are false at zero and true otherwise, NaN included; texts are read by
 /// `utils::parse_bool`, whose errors pass. Throws ValueError for everything else.
-ConfigValue _coerce_bool(const ConfigValue& value);
+VELMORA_EXPORT ConfigValue _coerce_bool(const ConfigValue& value);
 
 /// A finite number of `kind`, which is int (an integer of any size below 2^1024 - 2^970 in
 /// magnitude) or float (a double). Doubles are cut toward zero for int, integers rounded to the
@@ -27,14 +27,14 @@ ConfigValue _coerce_bool(const ConfigValue& value);
 /// Throws ValueError for a flag, a text that does not read so and a number that is not finite,
 /// TypeError for null, a list or a mapping, and OverflowError for an integer of 2^1024 - 2^970 or
 /// more.
-ConfigValue _coerce_number(const ConfigValue& value, KeyKind kind);
+VELMORA_EXPORT ConfigValue _coerce_number(const ConfigValue& value, KeyKind kind);
 
 /// A text: the plain text form of every value but null, for which it throws ValueError.
-ConfigValue _coerce_text(const ConfigValue& value);
+VELMORA_EXPORT ConfigValue _coerce_text(const ConfigValue& value);
 
 /// A new list of texts: the plain text forms of a list's items, or what `utils::split_csv` makes of
 /// a text. Throws ValueError for everything else.
-ConfigValue _coerce_list(const ConfigValue& value);
+VELMORA_EXPORT ConfigValue _coerce_list(const ConfigValue& value);
 
 using Coercer = ConfigValue (*)(const ConfigValue& value);
 
@@ -47,5 +47,8 @@ inline constexpr std::array<std::pair<KeyKind, Coercer>, 5> _COERCERS = {{
     {KeyKind::str, _coerce_text},
     {KeyKind::list, _coerce_list},
 }};
+
+/// The entry of `_COERCERS` for `kind`. Throws std::out_of_range when there is none.
+VELMORA_EXPORT Coercer coercer_of(KeyKind kind);
 
 }  // namespace velmora::config

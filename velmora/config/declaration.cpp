@@ -1,6 +1,5 @@
 #include "velmora/config/declaration.hpp"
 
-#include <array>
 #include <memory>
 #include <ostream>
 #include <tuple>
@@ -20,14 +19,21 @@ Metadata metadata_of(std::string_view key, T descriptor) {
 
 FieldDetails section_details(DefaultFactory fresh, std::string doc, SectionOptions options) {
     return {std::move(fresh),
-            metadata_of(_SECTION, SectionSetting(std::move(doc), options.restart.value()))};
+            metadata_of(_SECTION, SectionSetting(std::move(doc), *options.restart))};
 }
 
 }  // namespace
 
 std::string_view name_of(Restart restart) noexcept {
-    constexpr std::array<std::string_view, 3> names = {"none", "worker", "daemon"};
-    return names[static_cast<std::size_t>(restart)];
+    switch (restart) {
+        case Restart::none:
+            return "none";
+        case Restart::worker:
+            return "worker";
+        case Restart::daemon:
+            return "daemon";
+    }
+    return "no scope";
 }
 
 bool operator==(const Setting& a, const Setting& b) {
@@ -37,22 +43,23 @@ bool operator==(const Setting& a, const Setting& b) {
     return fields(a) == fields(b);
 }
 
-FieldDetails setting(const ConfigValue& default_value, std::string doc, SettingOptions options) {
+FieldDetails detail::describe_key(const ConfigValue& default_value, std::string doc,
+                                  SettingOptions options) {
     Metadata metadata = metadata_of(_SETTING, Setting(std::move(doc), std::move(options)));
     const auto* list = default_value.get_if<List>();
     if (list == nullptr) return {default_value, std::move(metadata)};
     return {DefaultFactory([items = list->copy()] { return items.copy(); }), std::move(metadata)};
 }
 
-FieldDetails section(RecordType kind, std::string doc, SectionOptions options) {
-    return section_details([kind = std::move(kind)] { return kind.make(); }, std::move(doc),
+FieldDetails section(RecordType kind, detail::Doc doc, SectionOptions options) {
+    return section_details([kind = std::move(kind)] { return kind.make(); }, *std::move(doc),
                            options);
 }
 
-FieldDetails section(TypeReference kind, std::string doc, SectionOptions options) {
+FieldDetails section(TypeReference kind, detail::Doc doc, SectionOptions options) {
     return section_details(
         [kind = std::move(kind)] { return DeclaredType(kind).resolved().record_type().make(); },
-        std::move(doc), options);
+        *std::move(doc), options);
 }
 
 std::string display(const Setting& setting) {

@@ -10,8 +10,10 @@
 //     });
 #pragma once
 
+#include <concepts>
 #include <exception>
 #include <functional>
+#include <initializer_list>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -21,7 +23,9 @@
 
 #include "velmora/config/bound.hpp"
 #include "velmora/config/record.hpp"
+#include "velmora/config/required.hpp"
 #include "velmora/utils/errors.hpp"
+#include "velmora/utils/export.hpp"
 
 namespace velmora::config {
 
@@ -29,10 +33,10 @@ namespace velmora::config {
 enum class Restart { none, worker, daemon };
 
 /// "none", "worker" or "daemon".
-std::string_view name_of(Restart restart) noexcept;
+VELMORA_EXPORT std::string_view name_of(Restart restart) noexcept;
 
 /// Raised for an unknown section or key, a secret field, or a bad value.
-class ConfigKeyError : public ValueError {
+class VELMORA_EXPORT ConfigKeyError : public ValueError {
 public:
     explicit ConfigKeyError(const std::string& message, std::exception_ptr cause = nullptr)
         : ValueError(message), cause_(std::move(cause)) {}
@@ -50,8 +54,9 @@ inline constexpr std::string_view _SECTION = "velmora:section";
 
 /// What may be said of a key, given by name. The order is that of `Setting`.
 struct SettingOptions {
-    /// The environment variable that overrides the key; empty when there is none.
-    std::optional<std::string> env = std::nullopt;
+    /// The environment variable that the application lets override the key. It is recorded here,
+    /// for whoever reads the environment; none for an empty option or a null pointer.
+    detail::OptionalText env = {};
     /// The numbers that the key accepts; empty for every finite one. Meant for int and float keys.
     std::optional<Bound> bounds = std::nullopt;
     /// The texts that the key accepts; empty for every one. Meant for str keys.
@@ -62,11 +67,11 @@ struct SettingOptions {
 };
 
 /// What a key is besides its name, its type and its default.
-class Setting {
+class VELMORA_EXPORT Setting {
 public:
     /// `doc` is one line that says what the key does. Nothing is checked or reordered.
-    explicit Setting(std::string doc, SettingOptions options = {})
-        : doc_(std::move(doc)), options_(std::move(options)) {}
+    explicit Setting(detail::Doc doc, SettingOptions options = {})
+        : doc_(*std::move(doc)), options_(std::move(options)) {}
 
     const std::string& doc() const noexcept { return doc_; }
     const std::optional<std::string>& env() const noexcept { return options_.env; }
@@ -82,11 +87,12 @@ private:
 };
 
 /// What a section is besides its name and its record type.
-class SectionSetting {
+class VELMORA_EXPORT SectionSetting {
 public:
     /// `doc` is a paragraph about the section; `restart` holds for its keys that name no scope of
     /// their own.
-    SectionSetting(std::string doc, Restart restart) : doc_(std::move(doc)), restart_(restart) {}
+    SectionSetting(detail::Doc doc, detail::Required<Restart> restart)
+        : doc_(*std::move(doc)), restart_(*restart) {}
 
     const std::string& doc() const noexcept { return doc_; }
     Restart restart() const noexcept { return restart_; }
@@ -98,50 +104,53 @@ private:
     Restart restart_;
 };
 
-/// An option that cannot be left out: there is no default for it.
-template <class T>
-class Required {
-public:
-    constexpr Required(T value) : value_(std::move(value)) {}
-    constexpr const T& value() const noexcept { return value_; }
-
-private:
-    T value_;
-};
-
 struct SectionOptions {
     /// What must restart for a change to one of the section's keys that names no scope of its own.
-    Required<Restart> restart;
+    detail::Required<Restart> restart;
 };
+
+namespace detail {
+
+VELMORA_EXPORT FieldDetails describe_key(const ConfigValue& default_value, std::string doc,
+                                         SettingOptions options);
+
+/// What a call is told that leaves `.restart` out.
+struct RestartMustBeGiven {};
+
+}  // namespace detail
 
 /// Declares a key by its default and one line of doc. A list default is copied, now and anew for
 /// every record, so that no two records share one; other defaults are taken as they are, unchecked.
-FieldDetails setting(const ConfigValue& default_value, std::string doc,
-                     SettingOptions options = {});
-FieldDetails setting(const ConfigValue& default_value, std::nullptr_t doc,
+template <std::convertible_to<ConfigValue> Default>
+FieldDetails setting(Default&& default_value, detail::Doc doc, SettingOptions options = {}) {
+    return detail::describe_key(std::forward<Default>(default_value), *std::move(doc),
+                                std::move(options));
+}
+/// Braces could mean null, a text or a list: write nullptr, "x" or List{"x"}.
+FieldDetails setting(std::initializer_list<ConfigValue> default_in_braces, detail::Doc doc,
                      SettingOptions options = {}) = delete;
 
 /// Declares a section by its record type, or a reference to it, and a paragraph of doc. Its default
 /// is a fresh record of that type; what the section holds is the declared type of its field, which
 /// should be the same.
-FieldDetails section(RecordType kind, std::string doc, SectionOptions options);
-FieldDetails section(TypeReference kind, std::string doc, SectionOptions options);
-FieldDetails section(const DeclaredType& kind, std::nullptr_t doc, SectionOptions options) = delete;
+VELMORA_EXPORT FieldDetails section(RecordType kind, detail::Doc doc, SectionOptions options);
+VELMORA_EXPORT FieldDetails section(TypeReference kind, detail::Doc doc, SectionOptions options);
+FieldDetails section(const DeclaredType&, detail::Doc, detail::RestartMustBeGiven = {}) = delete;
 
-std::string display(const Setting& setting);
-std::string display(const SectionSetting& setting);
-std::ostream& operator<<(std::ostream& out, Restart restart);
-std::ostream& operator<<(std::ostream& out, const Setting& setting);
-std::ostream& operator<<(std::ostream& out, const SectionSetting& setting);
+VELMORA_EXPORT std::string display(const Setting& setting);
+VELMORA_EXPORT std::string display(const SectionSetting& setting);
+VELMORA_EXPORT std::ostream& operator<<(std::ostream& out, Restart restart);
+VELMORA_EXPORT std::ostream& operator<<(std::ostream& out, const Setting& setting);
+VELMORA_EXPORT std::ostream& operator<<(std::ostream& out, const SectionSetting& setting);
 
 }  // namespace velmora::config
 
 template <>
-struct std::hash<velmora::config::Setting> {
+struct VELMORA_EXPORT std::hash<velmora::config::Setting> {
     std::size_t operator()(const velmora::config::Setting& setting) const;
 };
 
 template <>
-struct std::hash<velmora::config::SectionSetting> {
+struct VELMORA_EXPORT std::hash<velmora::config::SectionSetting> {
     std::size_t operator()(const velmora::config::SectionSetting& setting) const;
 };

@@ -147,6 +147,10 @@ std::string _shown(const ConfigValue& value) {
     return utils::cut(std::move(out));
 }
 
+bool shares_state(const ConfigValue& value) {
+    return value.get_if<List>() != nullptr || value.get_if<Mapping>() != nullptr;
+}
+
 std::string display_record(std::string_view name,
                            const std::vector<std::pair<std::string_view, std::string>>& fields) {
     std::string out(name);

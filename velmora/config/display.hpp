@@ -24,6 +24,9 @@ std::string plain_text(const ConfigValue& value);
 /// characters cost, however large the value is.
 std::string _shown(const ConfigValue& value);
 
+/// Whether copies of `value` share what they hold: log arguments are made of it at once.
+bool shares_state(const ConfigValue& value);
+
 /// The display form of a record: its name and, in parentheses, each field's name and display form.
 std::string display_record(std::string_view name,
                            const std::vector<std::pair<std::string_view, std::string>>& fields);

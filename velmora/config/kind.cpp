@@ -1,14 +1,23 @@
 #include "velmora/config/kind.hpp"
 
-#include <array>
-#include <cstddef>
 #include <ostream>
 
 namespace velmora::config {
 
 std::string_view name_of(KeyKind kind) noexcept {
-    constexpr std::array<std::string_view, 5> names = {"bool", "int", "float", "str", "list"};
-    return names[static_cast<std::size_t>(kind)];
+    switch (kind) {
+        case KeyKind::bool_:
+            return "bool";
+        case KeyKind::int_:
+            return "int";
+        case KeyKind::float_:
+            return "float";
+        case KeyKind::str:
+            return "str";
+        case KeyKind::list:
+            return "list";
+    }
+    return "no kind";
 }
 
 std::ostream& operator<<(std::ostream& out, KeyKind kind) {

@@ -1,136 +1,51 @@
 #include "velmora/config/schema.hpp"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
+#include <optional>
 #include <ostream>
-#include <stdexcept>
 
-#include "velmora/config/coercers.hpp"
 #include "velmora/config/display.hpp"
+#include "velmora/utils/errors.hpp"
 #include "velmora/utils/hash.hpp"
-#include "velmora/utils/logging.hpp"
 #include "velmora/utils/quoting.hpp"
+#include "velmora/utils/texts.hpp"
 
 namespace velmora::config {
 
 namespace {
 
-utils::Logger& log() {
-    static utils::Logger& logger = utils::logger("velmora.config.spec");
-    return logger;
-}
-
-Coercer coercer_of(KeyKind kind) {
-    const auto* const found =
-        std::find_if(_COERCERS.begin(), _COERCERS.end(),
-                     [kind](const auto& entry) { return entry.first == kind; });
-    if (found == _COERCERS.end()) throw std::out_of_range("a key of a kind that has no coercer");
-    return found->second;
-}
-
-bool is_one_of(const ConfigValue& value, const std::vector<std::string>& choices) {
-    const auto* text = value.get_if<std::string>();
-    return text != nullptr && std::find(choices.begin(), choices.end(), *text) != choices.end();
-}
-
-[[noreturn]] void refuse(const Key& key, const ConfigValue& value, const std::exception& error) {
-    throw ConfigKeyError("Cannot set " + key.label() + "=" + _shown(value) + ": expected " +
-                             std::string(name_of(key.kind())) + " (" + error.what() + ")",
-                         std::current_exception());
-}
-
-ConfigValue coerce_to_kind(const Key& key, const ConfigValue& value) {
-    try {
-        return coercer_of(key.kind())(value);
-    } catch (const ValueError& error) {
-        refuse(key, value, error);
-    } catch (const TypeError& error) {
-        refuse(key, value, error);
-    } catch (const OverflowError& error) {
-        refuse(key, value, error);
-    }
-}
-
-std::string joined(const std::vector<std::string>& texts) {
-    std::string out;
-    std::string_view separator;
-    for (const std::string& text : texts) {
-        out.append(separator).append(text);
-        separator = ", ";
-    }
-    return out;
-}
-
-std::string joined_in_order(std::vector<std::string> texts) {
-    std::sort(texts.begin(), texts.end());
-    return joined(texts);
-}
-
-// One setting equals itself, even with bounds that are not numbers.
-template <class T>
-bool same_or_equal(const std::shared_ptr<const T>& a, const std::shared_ptr<const T>& b) {
-    return a == b || *a == *b;
-}
-
 std::string display_keys(const std::vector<Key>& keys) {
     std::vector<std::string> forms;
     forms.reserve(keys.size());
     for (const Key& key : keys) forms.push_back(display(key));
-    return "[" + joined(forms) + "]";
+    return "[" + utils::joined(forms) + "]";
 }
 
 }  // namespace
 
-ConfigValue Key::default_value() const {
-    return owner_.make().get<ConfigValue>(name_);
-}
-
-ConfigValue Key::coerce(const ConfigValue& value) const {
-    ConfigValue coerced = coerce_to_kind(*this, value);
-    const auto refuse_for = [&](const std::string& why) {
-        throw ConfigKeyError("Invalid value for " + label() + ": " + display(coerced) + why);
+Section::Section(std::string name, RecordType kind, std::shared_ptr<const SectionSetting> setting,
+                 std::vector<Key> keys)
+    : name_(std::make_shared<const std::string>(std::move(name))),
+      kind_(std::move(kind)),
+      setting_(std::move(setting)),
+      keys_(std::move(keys)) {
+    const auto position = [this](const Key& key) {
+        const FieldDecl* field = kind_.find_field(key.name());
+        return field != nullptr ? static_cast<std::size_t>(field - kind_.fields().data())
+                                : no_position;
     };
-    const std::vector<std::string>& choices = setting_->choices();
-    if (!choices.empty() && !is_one_of(coerced, choices))
-        refuse_for(". Must be one of: " + joined_in_order(choices));
-    const std::optional<Bound>& bounds = setting_->bounds();
-    if (bounds && !bounds->admits(coerced)) refuse_for(". It must be " + bounds->text());
-    return coerced;
-}
-
-Record Section::read(const ConfigValue& data) const {
-    RecordDraft draft(kind_);
-    const auto* mapping = data.get_if<Mapping>();
-    if (mapping == nullptr) {
-        if (!data.is_null())
-            log().warning("Ignoring the %s section of the config file: it is not a mapping", name_);
-        return std::move(draft).finish();
-    }
-    std::size_t expected_entry = 0;
-    for (std::size_t i = 0; i < keys_.size(); ++i) {
-        const Key& key = keys_[i];
-        const Mapping::Entry* entry = mapping->find_entry(key.name(), expected_entry);
-        if (entry == nullptr) continue;
-        expected_entry = static_cast<std::size_t>(entry - mapping->begin()) + 1;
-        try {
-            ConfigValue value = key.coerce(entry->value);
-            draft.give(kind_.position_of(key.name(), i), std::move(value));
-        } catch (const ConfigKeyError& error) {
-            log().warning("Ignoring %s in the config file: %s; keeping the default %r", key.label(),
-                          error, key.default_value());
-        }
-    }
-    return std::move(draft).finish();
+    positions_.reserve(keys_.size());
+    std::transform(keys_.begin(), keys_.end(), std::back_inserter(positions_), position);
 }
 
 bool operator==(const Key& a, const Key& b) {
     return a.section_ == b.section_ && a.name_ == b.name_ && a.kind_ == b.kind_ &&
-           a.restart_ == b.restart_ && same_or_equal(a.setting_, b.setting_) &&
-           a.owner_ == b.owner_;
+           a.restart_ == b.restart_ && a.setting_ == b.setting_ && a.owner_ == b.owner_;
 }
 
 bool operator==(const Section& a, const Section& b) {
-    return a.name_ == b.name_ && a.kind_ == b.kind_ && same_or_equal(a.setting_, b.setting_) &&
+    return a.name_ == b.name_ && a.kind_ == b.kind_ && a.setting_ == b.setting_ &&
            a.keys_ == b.keys_;
 }
 
@@ -138,7 +53,7 @@ std::vector<Section> sections_of(const RecordType& config_type) {
     const auto types = config_type.resolve_types();
     std::vector<Section> sections;
     for (const FieldDecl& field : config_type.fields()) {
-        auto about = field.metadata()[_SECTION].as<SectionSetting>();
+        auto about = field.metadata()[_SECTION].get_if<SectionSetting>();
         if (about == nullptr) {
             throw TypeError(field.name() +
                             " is not a section: declare it with section(kind, doc, ...)");
@@ -156,7 +71,7 @@ std::vector<Key> _keys_of(const std::string& name, const RecordType& kind,
     std::vector<Key> keys;
     for (const FieldDecl& field : kind.fields()) {
         const std::string label = name + "." + field.name();
-        auto setting = field.metadata()[_SETTING].as<Setting>();
+        auto setting = field.metadata()[_SETTING].get_if<Setting>();
         if (setting == nullptr) {
             throw TypeError(label +
                             " is not described: declare it with setting(default, doc, ...)");
@@ -169,15 +84,7 @@ std::vector<Key> _keys_of(const std::string& name, const RecordType& kind,
 }
 
 KeyKind _kind_of(const DeclaredType& annotation, const std::string& label) {
-    using Basic = DeclaredType::Basic;
-    constexpr std::array<std::pair<Basic, KeyKind>, 4> kinds = {{{Basic::bool_, KeyKind::bool_},
-                                                                 {Basic::int_, KeyKind::int_},
-                                                                 {Basic::float_, KeyKind::float_},
-                                                                 {Basic::str, KeyKind::str}}};
-    if (annotation.is_list_with_element()) return KeyKind::list;
-    for (const auto& [type, kind] : kinds) {
-        if (annotation.is(type)) return kind;
-    }
+    if (const std::optional<KeyKind> kind = annotation.key_kind()) return *kind;
     throw TypeError(label + ": a configuration key is a bool, an int, a float, a str or a list");
 }
 

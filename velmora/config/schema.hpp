@@ -5,8 +5,10 @@
 //     }
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <iosfwd>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -15,19 +17,23 @@
 
 #include "velmora/config/declaration.hpp"
 #include "velmora/config/kind.hpp"
+#include "velmora/config/record.hpp"
+#include "velmora/config/required.hpp"
+#include "velmora/utils/export.hpp"
+#include "velmora/utils/not_null.hpp"
 
 namespace velmora::config {
 
 /// One key of the configuration, resolved from its field.
-class Key {
+class VELMORA_EXPORT Key {
 public:
-    /// `setting` is shared with the field that declares the key; it must not be null.
-    Key(std::string section, std::string name, KeyKind kind, Restart restart,
-        std::shared_ptr<const Setting> setting, RecordType owner)
+    /// `setting` is shared with the field that declares the key. Throws TypeError when it is null.
+    Key(std::string section, std::string name, detail::Required<KeyKind> kind,
+        detail::Required<Restart> restart, std::shared_ptr<const Setting> setting, RecordType owner)
         : section_(std::move(section)),
           name_(std::move(name)),
-          kind_(kind),
-          restart_(restart),
+          kind_(*kind),
+          restart_(*restart),
           setting_(std::move(setting)),
           owner_(std::move(owner)) {}
 
@@ -46,7 +52,8 @@ public:
     std::string label() const { return section_ + "." + name_; }
 
     /// The key's default as it is declared; a new list every time, so that no two configurations
-    /// share one. Makes the defaults of the whole section; what a default factory throws passes.
+    /// share one. Makes a record of `owner`, so the default factories of the whole section run;
+    /// throws what `RecordType::make` does.
     ConfigValue default_value() const;
 
     /// The value that the key takes for a raw value, whatever its source: turned into the key's
@@ -63,22 +70,19 @@ private:
     std::string name_;
     KeyKind kind_;
     Restart restart_;
-    std::shared_ptr<const Setting> setting_;
+    utils::NotNull<Setting> setting_;
     RecordType owner_;
 };
 
 /// One section of the configuration, resolved from its field.
-class Section {
+class VELMORA_EXPORT Section {
 public:
-    /// `setting` is shared with the field that declares the section; it must not be null.
+    /// `setting` is shared with the field that declares the section. Throws TypeError when it is
+    /// null.
     Section(std::string name, RecordType kind, std::shared_ptr<const SectionSetting> setting,
-            std::vector<Key> keys)
-        : name_(std::move(name)),
-          kind_(std::move(kind)),
-          setting_(std::move(setting)),
-          keys_(std::move(keys)) {}
+            std::vector<Key> keys);
 
-    const std::string& name() const noexcept { return name_; }
+    const std::string& name() const noexcept { return *name_; }
     const RecordType& kind() const noexcept { return kind_; }
     const SectionSetting& setting() const noexcept { return *setting_; }
     /// In the order of the fields of `kind`.
@@ -87,47 +91,54 @@ public:
     /// A new record of what a configuration file holds under the section's name. A key that the
     /// file does not give, or gives a value that is refused, takes its default, the latter with a
     /// warning to the logger velmora.config.spec; so do all keys when `data` is null or, with a
-    /// warning, no mapping. Names that are no keys are ignored. What `Key::coerce` or a default
-    /// factory throws besides ConfigKeyError passes.
+    /// warning, no mapping. Names that are no keys are ignored.
+    ///
+    /// Whatever `Key::coerce` throws but ConfigKeyError passes, and so does all that
+    /// `RecordType::make` throws; warnings given by then stay given.
     Record read(const ConfigValue& data) const;
 
     /// Equal in all four fields.
     friend bool operator==(const Section& a, const Section& b);
 
 private:
-    std::string name_;
+    utils::NotNull<std::string> name_;
     RecordType kind_;
-    std::shared_ptr<const SectionSetting> setting_;
+    utils::NotNull<SectionSetting> setting_;
     std::vector<Key> keys_;
+    static constexpr std::size_t no_position = std::numeric_limits<std::size_t>::max();
+
+    /// Of the fields of the keys in `kind_`; `no_position` for a key that is no field of it, which
+    /// only a caller's own key may be.
+    std::vector<std::size_t> positions_;
 };
 
 /// The sections of a configuration type, with their keys, in the order of its fields. Throws
 /// TypeError for the first field, in the order of declaration, that is no section, no described key
 /// or of no supported type; when a reference names no type, before any field is looked at.
-std::vector<Section> sections_of(const RecordType& config_type);
+VELMORA_EXPORT std::vector<Section> sections_of(const RecordType& config_type);
 
 /// The keys of the section `name` of record type `kind`.
-std::vector<Key> _keys_of(const std::string& name, const RecordType& kind,
-                          const SectionSetting& about);
+VELMORA_EXPORT std::vector<Key> _keys_of(const std::string& name, const RecordType& kind,
+                                         const SectionSetting& about);
 
 /// The kind of a key from its field's resolved type. Throws TypeError, which names the key by
 /// `label`, when there is none.
-KeyKind _kind_of(const DeclaredType& annotation, const std::string& label);
+VELMORA_EXPORT KeyKind _kind_of(const DeclaredType& annotation, const std::string& label);
 
 /// The display form of a key leaves `owner` out.
-std::string display(const Key& key);
-std::string display(const Section& section);
-std::ostream& operator<<(std::ostream& out, const Key& key);
-std::ostream& operator<<(std::ostream& out, const Section& section);
+VELMORA_EXPORT std::string display(const Key& key);
+VELMORA_EXPORT std::string display(const Section& section);
+VELMORA_EXPORT std::ostream& operator<<(std::ostream& out, const Key& key);
+VELMORA_EXPORT std::ostream& operator<<(std::ostream& out, const Section& section);
 
 }  // namespace velmora::config
 
 template <>
-struct std::hash<velmora::config::Key> {
+struct VELMORA_EXPORT std::hash<velmora::config::Key> {
     std::size_t operator()(const velmora::config::Key& key) const;
 };
 
 template <>
-struct std::hash<velmora::config::Section> {
+struct VELMORA_EXPORT std::hash<velmora::config::Section> {
     std::size_t operator()(const velmora::config::Section& section) const;
 };

@@ -112,7 +112,7 @@ public:
     }
     /// The entry under `key`, like `find`, for a caller who guesses its position: the entry at
     /// `expected` is looked at before any search.
-    const Entry* find_entry(std::string_view key, std::size_t expected) const;
+    const Entry* find_entry(std::string_view key, std::size_t expected = 0) const;
 
     /// Puts `value` under `key`: in place of the value that is there, else in a new entry at the
     /// end.

@@ -1,7 +1,6 @@
 #include "velmora/utils/logging.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <map>
 #include <mutex>
@@ -99,8 +98,17 @@ private:
 };
 
 std::string_view name_of(Level level) noexcept {
-    constexpr std::array<std::string_view, 4> names = {"debug", "info", "warning", "error"};
-    return names[static_cast<std::size_t>(level)];
+    switch (level) {
+        case Level::debug:
+            return "debug";
+        case Level::info:
+            return "info";
+        case Level::warning:
+            return "warning";
+        case Level::error:
+            return "error";
+    }
+    return "no level";
 }
 
 std::string LogRecord::message() const {

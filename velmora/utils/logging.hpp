@@ -22,6 +22,8 @@
 #include <utility>
 #include <vector>
 
+#include "velmora/utils/errors.hpp"
+#include "velmora/utils/export.hpp"
 #include "velmora/utils/quoting.hpp"
 
 namespace velmora::utils {
@@ -29,7 +31,7 @@ namespace velmora::utils {
 enum class Level { debug, info, warning, error };
 
 /// "debug", "info", "warning" or "error".
-std::string_view name_of(Level level) noexcept;
+VELMORA_EXPORT std::string_view name_of(Level level) noexcept;
 
 /// A type that says itself how it is written: functions beside it make its text and its display
 /// form.
@@ -39,20 +41,30 @@ concept Displayable = requires(const T& value) {
     { display(value) } -> std::same_as<std::string>;
 };
 
-/// An argument of a message. It keeps a copy of what it is made from and writes it when it is asked
-/// to.
-class LogArgument {
+/// A type of which some copies share what they hold, as handles do; `shares_state`, a function
+/// beside it, says which.
+template <class T>
+concept SharesState = requires(const T& value) {
+    { shares_state(value) } -> std::same_as<bool>;
+};
+
+/// An argument of a message. It keeps a copy of what it is made from, later changes to which do not
+/// show, and writes it when it is asked to; only a value that shares its state is written at once.
+class VELMORA_EXPORT LogArgument {
 public:
     LogArgument(std::string text) : forms_(std::make_shared<OfText>(std::move(text))) {}
     LogArgument(std::string_view text) : LogArgument(std::string(text)) {}
-    LogArgument(const char* text) : LogArgument(std::string(text)) {}
+    /// A null pointer is written as null: None.
+    LogArgument(const char* text)
+        : LogArgument(text != nullptr ? LogArgument(std::string(text))
+                                      : LogArgument("None", "None")) {}
     /// An error is written as its message.
-    LogArgument(const std::exception& error) : LogArgument(error.what()) {}
+    LogArgument(const std::exception& error) : LogArgument(message_of(error)) {}
     template <std::integral I>
     requires(!std::same_as<I, bool> && !std::same_as<I, char>) LogArgument(I value)
-        : forms_(std::make_shared<OfInteger>(std::to_string(value))) {}
+        : LogArgument(std::to_string(value), std::to_string(value)) {}
     template <Displayable T>
-    LogArgument(T value) : forms_(std::make_shared<Of<T>>(std::move(value))) {}
+    LogArgument(T value) : forms_(forms_of(std::move(value))) {}
 
     /// As "%s" writes it: a text itself.
     std::string text() const { return forms_->text(); }
@@ -73,11 +85,13 @@ private:
         std::string held;
     };
 
-    struct OfInteger final : Forms {
-        explicit OfInteger(std::string digits) : held(std::move(digits)) {}
-        std::string text() const override { return held; }
-        std::string form() const override { return held; }
-        std::string held;
+    struct Written final : Forms {
+        Written(std::string text, std::string form)
+            : held_text(std::move(text)), held_form(std::move(form)) {}
+        std::string text() const override { return held_text; }
+        std::string form() const override { return held_form; }
+        std::string held_text;
+        std::string held_form;
     };
 
     template <class T>
@@ -88,11 +102,23 @@ private:
         T held;
     };
 
+    LogArgument(std::string text, std::string form)
+        : forms_(std::make_shared<Written>(std::move(text), std::move(form))) {}
+
+    template <class T>
+    static std::shared_ptr<const Forms> forms_of(T value) {
+        if constexpr (SharesState<T>) {
+            if (shares_state(value))
+                return std::make_shared<Written>(plain_text(value), display(value));
+        }
+        return std::make_shared<Of<T>>(std::move(value));
+    }
+
     std::shared_ptr<const Forms> forms_;
 };
 
 /// One message, on its way to the sink.
-class LogRecord {
+class VELMORA_EXPORT LogRecord {
 public:
     LogRecord(std::string logger, Level level, std::string message_template,
               std::vector<LogArgument> arguments)
@@ -126,9 +152,9 @@ using LogSink = std::function<void(const LogRecord&)>;
 /// Replaces the sink of all loggers; an empty one brings back the default, standard error. The old
 /// sink may still be running in other threads when this returns, and lives until they are done. A
 /// sink may log, or replace itself.
-void set_sink(LogSink sink);
+VELMORA_EXPORT void set_sink(LogSink sink);
 
-class Logger {
+class VELMORA_EXPORT Logger {
 public:
     Logger(const Logger&) = delete;
     Logger& operator=(const Logger&) = delete;
@@ -169,6 +195,6 @@ private:
 
 /// The logger of this name, a dotted path; the same one for every call, for the life of the
 /// program.
-Logger& logger(std::string_view name);
+VELMORA_EXPORT Logger& logger(std::string_view name);
 
 }  // namespace velmora::utils

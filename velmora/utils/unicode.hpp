@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "velmora/utils/export.hpp"
+
 namespace velmora::utils {
 
 struct Character {
@@ -16,10 +18,10 @@ struct Character {
 };
 
 /// The character that `text`, which must not be empty, begins with.
-Character first_character(std::string_view text) noexcept;
+VELMORA_EXPORT Character first_character(std::string_view text) noexcept;
 
 /// The bytes that the first `count` characters of `text` take; all of them when it has no more.
-std::size_t prefix_size(std::string_view text, std::size_t count) noexcept;
+VELMORA_EXPORT std::size_t prefix_size(std::string_view text, std::size_t count) noexcept;
 
 /// Whether `code` stands for a byte that is no UTF-8.
 constexpr bool is_stray_byte(char32_t code) noexcept {
@@ -27,19 +29,19 @@ constexpr bool is_stray_byte(char32_t code) noexcept {
 }
 
 /// Whether `text` is well-formed UTF-8.
-bool is_utf8(std::string_view text) noexcept;
+VELMORA_EXPORT bool is_utf8(std::string_view text) noexcept;
 
 /// Whether a character can be shown as it is: its general category is none of Cc, Cf, Cs, Co, Cn,
 /// Zl, Zp and Zs. The space is the one exception.
-bool is_printable(char32_t code) noexcept;
+VELMORA_EXPORT bool is_printable(char32_t code) noexcept;
 
 /// Whether a character has the Unicode property White_Space.
-bool is_white_space(char32_t code) noexcept;
+VELMORA_EXPORT bool is_white_space(char32_t code) noexcept;
 
 /// `text` without the white space at its two ends.
-std::string_view trimmed(std::string_view text) noexcept;
+VELMORA_EXPORT std::string_view trimmed(std::string_view text) noexcept;
 
 /// Whether `text` is `word`, which is lower-case ASCII, in any mix of upper and lower case.
-bool equal_ignoring_case(std::string_view text, std::string_view word) noexcept;
+VELMORA_EXPORT bool equal_ignoring_case(std::string_view text, std::string_view word) noexcept;
 
 }  // namespace velmora::utils

@@ -1,0 +1,92 @@
+// The declared fields of record types, and what is attached to them.
+#pragma once
+
+#include <any>
+#include <functional>
+#include <initializer_list>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+#include "velmora/config/declared_type.hpp"
+#include "velmora/config/value.hpp"
+#include "velmora/utils/export.hpp"
+
+namespace velmora::config {
+
+class FieldValue;
+
+/// A value of any type, attached to a field; shared by all copies, never copied itself.
+class Descriptor {
+public:
+    Descriptor() = default;
+    template <class T>
+    explicit Descriptor(std::shared_ptr<T> value) {
+        if (value != nullptr) value_ = std::shared_ptr<const T>(std::move(value));
+    }
+
+    /// The very value that was attached, when it is a `T`; else null.
+    template <class T>
+    std::shared_ptr<const T> get_if() const {
+        const auto* value = std::any_cast<std::shared_ptr<const T>>(&value_);
+        return value != nullptr ? *value : nullptr;
+    }
+
+    bool is_null() const noexcept { return !value_.has_value(); }
+
+private:
+    std::any value_;
+};
+
+/// The descriptors of a field by text key; never changed once made.
+class VELMORA_EXPORT Metadata {
+public:
+    Metadata() = default;
+    Metadata(std::initializer_list<std::pair<const std::string, Descriptor>> entries)
+        : entries_(entries) {}
+
+    /// The descriptor under `key`, a null one when there is none.
+    Descriptor operator[](std::string_view key) const;
+
+private:
+    std::map<std::string, Descriptor, std::less<>> entries_;
+};
+
+/// Makes a fresh default on every call.
+using DefaultFactory = std::function<FieldValue()>;
+
+/// What a field is besides its name and its declared type.
+struct FieldDetails {
+    /// The default value, or what makes one, or neither.
+    std::variant<std::monostate, ConfigValue, DefaultFactory> default_value = {};
+    Metadata metadata = {};
+};
+
+/// One declared field of a record type.
+class VELMORA_EXPORT FieldDecl {
+public:
+    FieldDecl(std::string name, DeclaredType type, FieldDetails details = {})
+        : name_(std::move(name)), type_(std::move(type)), details_(std::move(details)) {}
+
+    const std::string& name() const noexcept { return name_; }
+    const DeclaredType& type() const noexcept { return type_; }
+    const Metadata& metadata() const noexcept { return details_.metadata; }
+
+    /// Null when the field has none; at most one of the two is not.
+    const ConfigValue* default_value() const noexcept {
+        return std::get_if<ConfigValue>(&details_.default_value);
+    }
+    const DefaultFactory* default_factory() const noexcept {
+        return std::get_if<DefaultFactory>(&details_.default_value);
+    }
+
+private:
+    std::string name_;
+    DeclaredType type_;
+    FieldDetails details_;
+};
+
+}  // namespace velmora::config

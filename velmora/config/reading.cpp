@@ -1,0 +1,125 @@
+// The one check of a key's value, and the reading of a section.
+#include <algorithm>
+#include <cstddef>
+#include <exception>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "velmora/config/coercers.hpp"
+#include "velmora/config/display.hpp"
+#include "velmora/config/record_draft.hpp"
+#include "velmora/config/schema.hpp"
+#include "velmora/utils/errors.hpp"
+#include "velmora/utils/logging.hpp"
+#include "velmora/utils/texts.hpp"
+
+namespace velmora::config {
+
+namespace {
+
+utils::Logger& log() {
+    static utils::Logger& logger = utils::logger("velmora.config.spec");
+    return logger;
+}
+
+// To be called where `error` is caught.
+[[noreturn]] void refuse_to_set(const Key& key, const ConfigValue& value,
+                                const std::exception& error) {
+    throw ConfigKeyError("Cannot set " + key.label() + "=" + _shown(value) + ": expected " +
+                             std::string(name_of(key.kind())) + " (" + message_of(error) + ")",
+                         std::current_exception());
+}
+
+[[noreturn]] void refuse(const Key& key, const ConfigValue& coerced, const std::string& why) {
+    throw ConfigKeyError("Invalid value for " + key.label() + ": " + display(coerced) + why);
+}
+
+ConfigValue coerce_to_kind(const Key& key, const ConfigValue& value) {
+    try {
+        return coercer_of(key.kind())(value);
+    } catch (const ValueError& error) {
+        refuse_to_set(key, value, error);
+    } catch (const TypeError& error) {
+        refuse_to_set(key, value, error);
+    } catch (const OverflowError& error) {
+        refuse_to_set(key, value, error);
+    }
+}
+
+bool is_one_of(const ConfigValue& value, const std::vector<std::string>& choices) {
+    const auto* text = value.get_if<std::string>();
+    return text != nullptr && utils::is_one_of(*text, choices);
+}
+
+std::string joined_in_order(std::vector<std::string> texts) {
+    std::sort(texts.begin(), texts.end());
+    return utils::joined(texts);
+}
+
+// Finds the values under the names of keys. A file as a rule gives them in the order of the
+// declaration, so the entry behind the one found last is looked at before any search.
+class KeyedValues {
+public:
+    // Keeps a handle of its own: a sink that is warned may let go of what is being read.
+    explicit KeyedValues(Mapping data) : data_(std::move(data)) {}
+
+    const ConfigValue* find(const std::string& name) {
+        const Mapping::Entry* entry = data_.begin() + next_;
+        const auto* next_name = next_ < data_.size() ? entry->key.get_if<std::string>() : nullptr;
+        if (next_name == nullptr || *next_name != name) entry = data_.find_entry(name);
+        if (entry == nullptr) return nullptr;
+        next_ = static_cast<std::size_t>(entry - data_.begin()) + 1;
+        return &entry->value;
+    }
+
+private:
+    Mapping data_;
+    std::size_t next_ = 0;
+};
+
+}  // namespace
+
+ConfigValue Key::default_value() const {
+    return owner_.make().get<ConfigValue>(name_);
+}
+
+ConfigValue Key::coerce(const ConfigValue& value) const {
+    ConfigValue coerced = coerce_to_kind(*this, value);
+    const std::vector<std::string>& choices = setting_->choices();
+    if (!choices.empty() && !is_one_of(coerced, choices))
+        refuse(*this, coerced, ". Must be one of: " + joined_in_order(choices));
+    const std::optional<Bound>& bounds = setting_->bounds();
+    if (bounds && !bounds->admits(coerced))
+        refuse(*this, coerced, ". It must be " + bounds->text());
+    return coerced;
+}
+
+Record Section::read(const ConfigValue& data) const {
+    detail::RecordDraft draft(kind_, name_.share());
+    const auto* mapping = data.get_if<Mapping>();
+    if (mapping == nullptr) {
+        if (!data.is_null()) {
+            log().warning("Ignoring the %s section of the config file: it is not a mapping",
+                          name());
+        }
+        return std::move(draft).finish();
+    }
+    KeyedValues given(*mapping);
+    for (std::size_t i = 0; i < keys_.size(); ++i) {
+        const Key& key = keys_[i];
+        const ConfigValue* raw = given.find(key.name());
+        if (raw == nullptr) continue;
+        try {
+            ConfigValue value = key.coerce(*raw);
+            const bool known = positions_[i] != no_position;
+            draft.give(known ? positions_[i] : kind_.position_of(key.name()), std::move(value));
+        } catch (const ConfigKeyError& error) {
+            log().warning("Ignoring %s in the config file: %s; keeping the default %r", key.label(),
+                          error, key.default_value());
+        }
+    }
+    return std::move(draft).finish();
+}
+
+}  // namespace velmora::config

@@ -6,6 +6,9 @@
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
 
 #include "velmora/config/spec.hpp"
 
@@ -34,6 +37,21 @@ std::string outcome(Action action) {
         }
     } catch (const std::exception& error) {
         return text_of(error);
+    }
+}
+
+/// That no two of these are equal or hash alike, that copies do, and that all can be shown, even once moved from.
+template <class T>
+void expect_distinct(const std::vector<T>& all) {
+    for (const T& a : all) {
+        for (const T& b : all) {
+            EXPECT_EQ(a == b, &a == &b) << display(a) << display(b);
+            EXPECT_EQ(std::hash<T>{}(a) == std::hash<T>{}(b), &a == &b) << display(a) << display(b);
+        }
+        T given = a;
+        const T taken = std::move(given);
+        EXPECT_EQ(taken, a) << display(given);
+        EXPECT_EQ(testing::PrintToString(taken), display(a));
     }
 }
 

@@ -125,7 +125,6 @@ TEST(Record, IsAValue) {
     record.set("count", 3.0);
     EXPECT_EQ(record, before);
     EXPECT_EQ(outcome([&] { return record.set("x", 1), "set"; }), "TypeError: R has no field 'x'");
-    EXPECT_NE(inner.make(), RecordType("Inner", {{"port", int_type, setting(1, "")}}).make());
 
     Record within = record;
     within = *within["inner"].if_record();
@@ -134,8 +133,6 @@ TEST(Record, IsAValue) {
     EXPECT_EQ(display(moved) + display(within), "Inner(port=1)Inner()");
     EXPECT_EQ(outcome([&] { return within.get<int>("port"), "read"; }),
               "TypeError: a record of Inner that was moved from has no fields");
-    within = moved;
-    EXPECT_EQ(within, moved);
 }
 
 }  // namespace

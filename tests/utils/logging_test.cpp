@@ -31,39 +31,34 @@ std::string display(const Unwritable&) {
 
 class Logging : public testing::Test {
 protected:
-    void SetUp() override {
-        set_sink([this](const LogRecord& record) {
-            const std::lock_guard lock(mutex);
-            records.push_back(record);
-        });
+    Logging() {
+        set_sink([this](const LogRecord& record) { records.push_back(record); });
     }
-    void TearDown() override { set_sink({}); }
+    ~Logging() override { set_sink({}); }
 
-    std::mutex mutex;
     std::vector<LogRecord> records;
 };
 
 TEST_F(Logging, FillsTemplatesInEvenWhereArgumentsDoNotFit) {
-    const LogArgument one("o'ne");
-    const LogArgument two(std::runtime_error("two"));
-    const std::tuple<const char*, std::vector<LogArgument>, const char*> cases[] = {
+    const LogArgument one("o'ne"), two(std::runtime_error("two")), none(static_cast<const char*>(nullptr));
+    const LogArgument nul(ValueError(std::string("a\0b", 3)));
+    const std::tuple<const char*, std::vector<LogArgument>, std::string> cases[] = {
         {"plain", {}, "plain"},
         {"%s, %r, 100%%", {one, one}, "o'ne, \"o'ne\", 100%"},
-        {"%r%s", {two, two}, "'two'two"},
+        {"%r%s%r%s", {two, two, none, -4L}, "'two'twoNone-4"},
+        {"%s", {nul}, std::string("a\0b", 3)},
         {"%s and %s", {one}, "o'ne and %s"},
         {"only %s", {one, two, one}, "only o'ne ('two', \"o'ne\")"},
         {"%d%", {one}, "%d% (\"o'ne\")"},
         {"%%s", {}, "%s"},
     };
-    for (const auto& [message_template, arguments, message] : cases) {
+    for (const auto& [message_template, arguments, message] : cases)
         EXPECT_EQ(LogRecord("l", Level::info, message_template, arguments).message(), message);
-    }
 }
 
 TEST_F(Logging, WritesArgumentsOnlyWhenTheTextIsAskedFor) {
     int writes = 0;
     Logger& log = logger("test.lazy");
-    EXPECT_EQ(&log, &logger("test.lazy"));
     log.warning("%s and %r", Watched{&writes}, Watched{&writes});
     log.log(Level::info, "%s", Watched{&writes});
     ASSERT_EQ(records.size(), 1U);
@@ -71,12 +66,12 @@ TEST_F(Logging, WritesArgumentsOnlyWhenTheTextIsAskedFor) {
     EXPECT_EQ(records[0].level(), Level::warning);
     EXPECT_EQ(writes, 0);
     EXPECT_EQ(records[0].message(), "plain and <shown>");
-    EXPECT_EQ(writes, 2);
 }
 
 TEST_F(Logging, TakesLevelsFromTheNearestLoggerAbove) {
     Logger& leaf = logger("test.levels.leaf");
     Logger& sibling = logger("test.levelsibling");
+    EXPECT_EQ(&leaf, &logger("test.levels.leaf"));
     EXPECT_EQ(leaf.level(), Level::warning);
     logger("test.levels").set_level(Level::debug);
     logger("test").set_level(Level::error);
@@ -93,31 +88,30 @@ TEST_F(Logging, TakesLevelsFromTheNearestLoggerAbove) {
 }
 
 TEST_F(Logging, FallsBackToOneLineOnStandardError) {
-    for (const bool throwing : {true, false}) {
-        set_sink(throwing ? LogSink([](const LogRecord&) { throw std::runtime_error("full"); })
-                          : LogSink());
+    const auto written = [](const auto& argument) {
         testing::internal::CaptureStderr();
-        logger("test.stderr").warning("%s", "two\nlines\x1b\xff");
-        EXPECT_EQ(testing::internal::GetCapturedStderr(),
-                  "test.stderr: warning: two\\nlines\\x1b\\udcff\n");
-    }
+        logger("test.stderr").warning("keeping %s", argument);
+        return testing::internal::GetCapturedStderr();
+    };
+    set_sink([](const LogRecord&) { throw std::runtime_error("full"); });
+    EXPECT_EQ(written("two\nlines\x1b\xff"), "test.stderr: warning: keeping two\\nlines\\x1b\\udcff\n");
+    set_sink({});
+    EXPECT_EQ(written("text"), "test.stderr: warning: keeping text\n");
+    EXPECT_EQ(written(Unwritable()), "test.stderr: warning: keeping %s\n");
 }
 
-TEST_F(Logging, OutlivesSinksThatLogAndArgumentsThatFail) {
+TEST_F(Logging, LetsASinkLogAndReplaceItself) {
     set_sink([this](const LogRecord& record) {
         records.push_back(record);
-        if (record.logger() == "test.outer") logger("test.inner").warning("inner");
+        set_sink([this](const LogRecord& inner) { records.push_back(inner); });
+        logger("test.inner").warning("inner");
     });
-    logger("test.outer").warning("%s of %s", 3, -4L);
+    logger("test.outer").warning("outer");
     ASSERT_EQ(records.size(), 2U);
-    EXPECT_EQ(records[0].message(), "3 of -4");
-    set_sink({});
-    testing::internal::CaptureStderr();
-    logger("test.outer").warning("keeping %r", Unwritable());
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "test.outer: warning: keeping %r\n");
+    EXPECT_EQ(records[1].message(), "inner");
 }
 
-TEST_F(Logging, IsSafeFromSeveralThreads) {
+TEST(LoggingThreads, ShareLoggersLevelsAndSinks) {
     std::vector<std::thread> threads;
     std::atomic<int> received = 0;
     const LogSink count = [&](const LogRecord&) { ++received; };
@@ -126,15 +120,16 @@ TEST_F(Logging, IsSafeFromSeveralThreads) {
         for (int turn = 0; turn < 1000; ++turn) set_sink(count);
     });
     for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([i] {
+        threads.emplace_back([] {
             for (int turn = 0; turn < 100; ++turn) {
                 Logger& log = logger("test.threads." + std::to_string(turn));
                 log.set_level(turn % 2 == 0 ? std::nullopt : std::optional(Level::debug));
-                log.warning("%s", std::to_string(i));
+                log.warning("%s", turn);
             }
         });
     }
     for (std::thread& thread : threads) thread.join();
+    set_sink({});
     EXPECT_EQ(received, 400);
 }
 

@@ -14,16 +14,25 @@
 
 namespace velmora::test {
 
-/// The name of an error's very type, without its namespaces, and its message.
+/// The name of an error's very type, without its namespaces.
+inline std::string type_of(const std::exception& error) {
+    if (typeid(error) == typeid(ValueError)) return "ValueError";
+    if (typeid(error) == typeid(TypeError)) return "TypeError";
+    if (typeid(error) == typeid(OverflowError)) return "OverflowError";
+    return typeid(error) == typeid(config::ConfigKeyError) ? "ConfigKeyError" : "another error";
+}
+
+/// An error's type and message and, behind "<-", the type of its cause, whose message it must hold.
 inline std::string text_of(const std::exception& error) {
-    const std::pair<const std::type_info&, const char*> types[] = {{typeid(ValueError), "ValueError"},
-                                                                   {typeid(TypeError), "TypeError"},
-                                                                   {typeid(OverflowError), "OverflowError"},
-                                                                   {typeid(config::ConfigKeyError), "ConfigKeyError"}};
-    for (const auto& [type, name] : types) {
-        if (typeid(error) == type) return std::string(name) + ": " + message_of(error);
+    std::string text = type_of(error) + ": " + message_of(error);
+    const auto* refusal = dynamic_cast<const config::ConfigKeyError*>(&error);
+    if (refusal == nullptr || refusal->cause() == nullptr) return text;
+    try {
+        std::rethrow_exception(refusal->cause());
+    } catch (const std::exception& cause) {
+        EXPECT_TRUE(text.ends_with("(" + message_of(cause) + ")")) << text;
+        return text + " <- " + type_of(cause);
     }
-    return std::string("another error: ") + error.what();
 }
 
 /// What `action` comes to: the text or the display form of what it returns, or its error.

@@ -127,8 +127,8 @@ FieldDetails setting(Default&& default_value, detail::Doc doc, SettingOptions op
                                 std::move(options));
 }
 /// Braces could mean null, a text or a list: write nullptr, "x" or List{"x"}.
-FieldDetails setting(std::initializer_list<ConfigValue> default_in_braces, detail::Doc doc,
-                     SettingOptions options = {}) = delete;
+FieldDetails setting(std::initializer_list<ConfigValue> default_in_braces, const detail::Doc& doc,
+                     const SettingOptions& options = {}) = delete;
 
 /// Declares a section by its record type, or a reference to it, and a paragraph of doc. Its default
 /// is a fresh record of that type; what the section holds is the declared type of its field, which

@@ -18,6 +18,7 @@ VELMORA_EXPORT std::string did_you_mean(std::string_view name,
 template <class Named>
 std::vector<std::string_view> names_of(const Named& all) {
     std::vector<std::string_view> names;
+    names.reserve(all.size());
     for (const auto& each : all) names.push_back(each.name());
     return names;
 }

@@ -34,8 +34,8 @@ TEST(Declaration, AttachesOneDescriptorAndOneDefault) {
 TEST(Declaration, MakesDefaultsOfRecordsAnew) {
     List declared{"a", List{"shared item"}};
     const RecordType type("T", {{"list", list_of(str_type), setting(declared, "")},
-                                {"path", str_type, setting("/p", "")},
-                                {"texts", KeyKind::list, setting(List{1, 2}, "")},
+                                {"path", str_type, setting(std::filesystem::path("/p"), "")},
+                                {"texts", KeyKind::list, setting(std::vector{1, 2}, "")},
                                 {"none", str_type, setting(no_text, "")}});
     declared.push_back("later");
     const Record first = type.make();

@@ -31,7 +31,7 @@ std::string Bound::text() const {
 }
 
 std::string display(const Bound& bound) {
-    return display_record("Bound",
+    return display_fields("Bound",
                           {{"low", display(bound.low())},
                            {"high", display(bound.high() ? ConfigValue(*bound.high()) : nullptr)},
                            {"low_open", display(bound.low_open())}});

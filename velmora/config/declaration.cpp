@@ -65,7 +65,7 @@ FieldDetails section(TypeReference kind, detail::Doc doc, SectionOptions options
 std::string display(const Setting& setting) {
     const auto& bounds = setting.bounds();
     const auto& restart = setting.restart();
-    return display_record(
+    return display_fields(
         "Setting", {{"doc", utils::quoted_text(setting.doc())},
                     {"env", setting.env() ? utils::quoted_text(*setting.env()) : "None"},
                     {"bounds", bounds ? display(*bounds) : "None"},
@@ -75,7 +75,7 @@ std::string display(const Setting& setting) {
 }
 
 std::string display(const SectionSetting& setting) {
-    return display_record("SectionSetting",
+    return display_fields("SectionSetting",
                           {{"doc", utils::quoted_text(setting.doc())},
                            {"restart", utils::quoted_text(name_of(setting.restart()))}});
 }

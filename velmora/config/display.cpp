@@ -3,10 +3,9 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
+#include <cstddef>
 #include <ostream>
 #include <unordered_set>
-#include <vector>
 
 #include "velmora/utils/quoting.hpp"
 
@@ -14,43 +13,21 @@ namespace velmora::config {
 
 namespace {
 
+// The shortest digits that read back, in the notation that shows their magnitude at a glance.
 void append_double(std::string& out, double value) {
     if (std::isnan(value)) {
         out += "nan";
         return;
     }
-    if (std::signbit(value)) out += '-';
-    if (std::isinf(value)) {
-        out += "inf";
-        return;
-    }
-    // Shortest digits that read back: d.ddde+xx.
+    const double magnitude = std::abs(value);
+    const bool fixed = magnitude == 0 || (magnitude >= 1e-4 && magnitude < 1e16);
     std::array<char, 32> buffer;
-    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(value),
-                                   std::chars_format::scientific);
+    const auto end =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                      fixed ? std::chars_format::fixed : std::chars_format::scientific);
     const std::string_view text(buffer.data(), end.ptr);
-    const std::size_t mark = text.find('e');
-    int exponent = 0;
-    const std::size_t magnitude = mark + 2;
-    std::from_chars(text.data() + magnitude, text.data() + text.size(), exponent);
-    if (text[mark + 1] == '-') exponent = -exponent;
-    if (exponent < -4 || exponent >= 16) {
-        out += text;
-        return;
-    }
-    std::string digits(text.substr(0, 1));
-    if (mark > 1) digits += text.substr(2, mark - 2);
-    if (exponent < 0) {
-        out += "0.";
-        out.append(static_cast<std::size_t>(-exponent - 1), '0');
-        out += digits;
-        return;
-    }
-    const std::size_t whole = static_cast<std::size_t>(exponent) + 1;
-    if (digits.size() <= whole) digits.append(whole + 1 - digits.size(), '0');
-    out.append(digits, 0, whole);
-    out += '.';
-    out.append(digits, whole);
+    out += text;
+    if (fixed && text.find('.') == std::string_view::npos) out += ".0";
 }
 
 // Writes a display form up to `enough` bytes, without recursion: a value may be nested without
@@ -144,14 +121,14 @@ std::string plain_text(const ConfigValue& value) {
 std::string _shown(const ConfigValue& value) {
     std::string out;
     Writer(out, utils::shown_bytes).write(value);
-    return utils::cut(std::move(out));
+    return utils::cut(std::move(out), utils::shown_characters);
 }
 
 bool shares_state(const ConfigValue& value) {
     return value.get_if<List>() != nullptr || value.get_if<Mapping>() != nullptr;
 }
 
-std::string display_record(std::string_view name,
+std::string display_fields(std::string_view name,
                            const std::vector<std::pair<std::string_view, std::string>>& fields) {
     std::string out(name);
     out += '(';

@@ -4,8 +4,11 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <system_error>
 
 #include "velmora/utils/errors.hpp"
+#include "velmora/utils/hash.hpp"
+#include "velmora/utils/texts.hpp"
 
 namespace velmora::config {
 
@@ -15,7 +18,8 @@ namespace {
 constexpr std::size_t most_double_digits = 309;
 
 std::string_view magnitude(std::string_view text) noexcept {
-    return text.front() == '-' ? text.substr(1) : text;
+    utils::take_sign(text);
+    return text;
 }
 
 template <class N>
@@ -26,11 +30,9 @@ std::errc read_whole(std::string_view text, N& value) noexcept {
 }  // namespace
 
 std::optional<Integer> Integer::parse(std::string_view text) {
-    const bool negative = text.starts_with('-');
-    if (negative || text.starts_with('+')) text.remove_prefix(1);
-    const bool digits =
-        std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-    if (text.empty() || !digits) return std::nullopt;
+    const bool negative = utils::take_sign(text);
+    if (text.empty() || !std::all_of(text.begin(), text.end(), utils::is_digit))
+        return std::nullopt;
     text.remove_prefix(std::min(text.find_first_not_of('0'), text.size() - 1));
 
     std::string spelled;
@@ -83,7 +85,7 @@ void Integer::append_text(std::string& out, std::size_t most) const {
 }
 
 std::size_t Integer::hash() const noexcept {
-    return large_ ? std::hash<std::string>{}(*large_) : std::hash<std::int64_t>{}(small_);
+    return large_ ? utils::hash_text(*large_) : utils::hash_integer(small_);
 }
 
 std::strong_ordering operator<=>(const Integer& a, const Integer& b) noexcept {

@@ -3,6 +3,7 @@
 
 #include <compare>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <limits>
@@ -12,6 +13,8 @@
 #include <string_view>
 #include <type_traits>
 #include <utility>
+
+#include "velmora/utils/export.hpp"
 
 namespace velmora::config {
 
@@ -23,7 +26,7 @@ concept BuiltinInteger = std::integral<T> && sizeof(T) <= sizeof(std::int64_t) &
                            std::same_as<T, wchar_t> || std::same_as<T, char8_t> ||
                            std::same_as<T, char16_t> || std::same_as<T, char32_t>);
 
-class Integer {
+class VELMORA_EXPORT Integer {
 public:
     Integer() noexcept = default;
 
@@ -69,7 +72,8 @@ public:
     std::size_t hash() const noexcept;
 
     friend bool operator==(const Integer& a, const Integer& b) noexcept { return (a <=> b) == 0; }
-    friend std::strong_ordering operator<=>(const Integer& a, const Integer& b) noexcept;
+    VELMORA_EXPORT friend std::strong_ordering operator<=>(const Integer& a,
+                                                           const Integer& b) noexcept;
 
 private:
     std::optional<std::uint64_t> as_uint64() const noexcept;

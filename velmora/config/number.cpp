@@ -2,11 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <system_error>
+
+#include "velmora/utils/hash.hpp"
+#include "velmora/utils/texts.hpp"
 
 namespace velmora::config {
 
@@ -50,7 +54,8 @@ std::size_t Number::hash() const {
     if (const Integer* integer = if_integer()) return integer->hash();
     const double real = *if_double();
     const bool whole = std::isfinite(real) && real == std::trunc(real);
-    return whole ? Integer::truncated(real).hash() : std::hash<double>{}(real);
+    return whole ? Integer::truncated(real).hash()
+                 : utils::hash_integer(std::bit_cast<std::int64_t>(real));
 }
 
 std::partial_ordering operator<=>(const Number& a, const Number& b) {
@@ -71,11 +76,9 @@ std::string number_text(const Number& number) {
 }
 
 std::optional<double> parse_decimal(std::string_view text) {
-    const bool negative = text.starts_with('-');
-    if (negative || text.starts_with('+')) text.remove_prefix(1);
+    const bool negative = utils::take_sign(text);
     // std::from_chars takes another sign, and words, as well.
-    constexpr std::string_view begins_decimal = ".0123456789";
-    if (text.empty() || begins_decimal.find(text.front()) == std::string_view::npos)
+    if (text.empty() || (text.front() != '.' && !utils::is_digit(text.front())))
         return std::nullopt;
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);

@@ -3,13 +3,16 @@
 
 #include <compare>
 #include <concepts>
+#include <cstddef>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 #include "velmora/config/integer.hpp"
+#include "velmora/utils/export.hpp"
 
 namespace velmora::config {
 
@@ -17,7 +20,7 @@ namespace velmora::config {
 template <class T>
 concept BuiltinFloat = std::same_as<T, double> || std::same_as<T, float>;
 
-class Number {
+class VELMORA_EXPORT Number {
 public:
     template <BuiltinInteger I>
     Number(I value) : value_(Integer(value)) {}
@@ -39,7 +42,7 @@ public:
     /// By numeric value and exact: no integer is rounded to be compared with a double. NaN is
     /// unordered and equals nothing, itself included; zeros of both signs are equal.
     friend bool operator==(const Number& a, const Number& b) { return (a <=> b) == 0; }
-    friend std::partial_ordering operator<=>(const Number& a, const Number& b);
+    VELMORA_EXPORT friend std::partial_ordering operator<=>(const Number& a, const Number& b);
 
 private:
     std::variant<Integer, double> value_;
@@ -47,12 +50,12 @@ private:
 
 /// The number in the general format "g" with 6 significant digits ("0.5", "65535", "1e+06"), an
 /// integer as the nearest double. Throws OverflowError when there is none.
-std::string number_text(const Number& number);
+VELMORA_EXPORT std::string number_text(const Number& number);
 
 /// The double nearest to the number that `text` spells: an optional sign and ASCII digits with an
 /// optional point and exponent, nothing else; an infinity when it is too large for a double, zero
 /// when it is too small. Takes time linear in the length of the text.
-std::optional<double> parse_decimal(std::string_view text);
+VELMORA_EXPORT std::optional<double> parse_decimal(std::string_view text);
 
 }  // namespace velmora::config
 

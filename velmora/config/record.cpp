@@ -111,7 +111,7 @@ std::string display(const Record& record) {
                                                                  ? display(*held.if_record())
                                                                  : display(*held.if_value()));
     }
-    return display_record(record.type_.name(), fields);
+    return display_fields(record.type_.name(), fields);
 }
 
 std::ostream& operator<<(std::ostream& out, const Record& record) {

@@ -89,7 +89,7 @@ KeyKind _kind_of(const DeclaredType& annotation, const std::string& label) {
 }
 
 std::string display(const Key& key) {
-    return display_record("Key", {{"section", utils::quoted_text(key.section())},
+    return display_fields("Key", {{"section", utils::quoted_text(key.section())},
                                   {"name", utils::quoted_text(key.name())},
                                   {"kind", std::string(name_of(key.kind()))},
                                   {"restart", utils::quoted_text(name_of(key.restart()))},
@@ -97,7 +97,7 @@ std::string display(const Key& key) {
 }
 
 std::string display(const Section& section) {
-    return display_record("Section", {{"name", utils::quoted_text(section.name())},
+    return display_fields("Section", {{"name", utils::quoted_text(section.name())},
                                       {"kind", display(section.kind())},
                                       {"setting", display(section.setting())},
                                       {"keys", display_keys(section.keys())}});

@@ -1,129 +1,85 @@
 #include "velmora/config/shared.hpp"
 
-#include <mutex>
-#include <new>
 #include <unordered_map>
-#include <unordered_set>
 
-namespace velmora::config {
+namespace velmora::config::detail {
 
-namespace {
+Adding::Adding(Shared& object, const Handle* child) : leader_(*object.leader_) {
+    // A way back would end in one more handle.
+    if (child == nullptr || leader_.handles_ == 1) return;
 
-// Held while handles of objects in cycles go: only then do two threads never both find the last
-// one.
-std::mutex& cycle_mutex() {
-    static std::mutex mutex;
-    return mutex;
-}
-
-}  // namespace
-
-// The objects that can be reached from one, and how many handles of each are held within the graph.
-class Shared::Graph {
-public:
-    template <class Follow>
-    Graph(Shared& root, Follow follow) {
-        handles_.emplace(&root, 0);
-        walk({&root}, [&](Shared* child) {
-            if (!follow(*child)) return false;
-            const auto [entry, fresh] = handles_.try_emplace(child, 0);
-            ++entry->second;
-            return fresh;
-        });
-    }
-
-    bool contains(Shared& object) const { return handles_.contains(&object); }
-
-    void mark_in_cycle() const {
-        for (const auto& [object, handles] : handles_) object->in_cycle_ = true;
-    }
-
-    // The objects that no handle from outside keeps alive, directly or through others.
-    std::vector<Shared*> unreachable() const {
-        std::unordered_set<Shared*> alive;
-        for (const auto& [object, handles] : handles_) {
-            if (object->handles_ > handles) alive.insert(object);
+    // Groups are entered as a whole, from their leader on. They form no circle, so one that was
+    // met before was left before.
+    struct Group {
+        Shared* leader;
+        Shared* member;
+        std::size_t position = 0;
+        bool leads_back = false;
+    };
+    std::vector<Group> open;
+    std::unordered_map<const Shared*, bool> met;  // Whether they lead back.
+    const auto leads_back = [&](const Handle& handle) {
+        Shared* leader = handle.object_->leader_;
+        if (leader == &leader_) return true;
+        // One handle alone leads to most groups: they are met once.
+        if (leader->handles_ == 1) {
+            open.push_back({leader, leader});
+            return false;
         }
-        walk({alive.begin(), alive.end()},
-             [&](Shared* child) { return handles_.contains(child) && alive.insert(child).second; });
-        std::vector<Shared*> dead;
-        for (const auto& [object, handles] : handles_) {
-            if (!alive.contains(object)) dead.push_back(object);
+        const auto [entry, fresh] = met.try_emplace(leader, false);
+        if (fresh) open.push_back({leader, leader});
+        return entry->second;
+    };
+    leads_back(*child);
+    while (!open.empty()) {
+        Group& group = open.back();
+        if (const Handle* handle = group.member->next_handle(group.position)) {
+            if (handle->counted_ && leads_back(*handle)) group.leads_back = true;
+            continue;
         }
-        return dead;
-    }
-
-private:
-    // Calls `enter` for every child of the `open` objects and, where it says so, goes on below.
-    template <class Enter>
-    static void walk(std::vector<Shared*> open, Enter enter) {
-        std::vector<Shared*> children;
-        while (!open.empty()) {
-            children.clear();
-            const Shared* object = open.back();
-            open.pop_back();
-            object->append_children(children);
-            for (Shared* child : children) {
-                if (enter(child)) open.push_back(child);
-            }
-        }
-    }
-
-    std::unordered_map<Shared*, std::size_t> handles_;
-};
-
-void Shared::before_adding(Shared& child) {
-    // A way from `child` back to this object would end in one more handle of it.
-    if (handles_ == 1) return;
-    const Graph below(child, [](const Shared&) { return true; });
-    if (below.contains(*this)) below.mark_in_cycle();
-}
-
-void Shared::release() noexcept {
-    if (in_cycle_.load(std::memory_order_relaxed)) {
-        release_in_cycle();
-    } else if (handles_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-        dispose();
+        group.member = group.member->next_;
+        group.position = 0;
+        if (group.member != group.leader) continue;
+        const Group left = group;
+        open.pop_back();
+        if (!left.leads_back) continue;
+        groups_.push_back(left.leader);
+        met[left.leader] = true;
+        if (!open.empty()) open.back().leads_back = true;
     }
 }
 
-// Synchronous trial deletion after Bacon and Rajan, "Concurrent Cycle Collection in Reference
-// Counted Systems" (2001).
-void Shared::release_in_cycle() noexcept {
-    std::unique_lock lock(cycle_mutex());
-    if (handles_.fetch_sub(1, std::memory_order_acq_rel) == 1) {
-        lock.unlock();
-        dispose();
-        return;
+void Adding::finish(Handle* added) noexcept {
+    const auto stop_counting_within = [&](Handle& handle) {
+        if (handle.object_->leader_ != &leader_ || !handle.counted_) return;
+        handle.counted_ = false;
+        --leader_.handles_;
+    };
+    for (Shared* group : groups_) {
+        if (group->leader_ == &leader_) continue;  // Another one has joined it.
+        leader_.handles_ += group->handles_;
+        Shared* member = group;
+        do {
+            member->leader_ = &leader_;
+            std::size_t position = 0;
+            while (Handle* handle = member->next_handle(position)) stop_counting_within(*handle);
+            member = member->next_;
+        } while (member != group);
+        std::swap(group->next_, leader_.next_);
     }
-    std::vector<Shared*> dead;
-    try {
-        dead =
-            Graph(*this, [](const Shared& child) { return child.in_cycle_.load(); }).unreachable();
-    } catch (const std::bad_alloc&) {
-        return;  // Short of memory, the cycle stays.
-    }
-    for (Shared* object : dead) {
-        object->in_cycle_ = false;
-        object->acquire();
-    }
-    lock.unlock();
-    for (Shared* object : dead) object->clear();
-    for (Shared* object : dead) object->release();
+    if (added != nullptr) stop_counting_within(*added);
 }
 
-// Disposing of an object releases its children: the outermost call disposes of those too.
-void Shared::dispose() noexcept {
+// Freeing an object may free groups below it: the outermost call frees those too.
+void Shared::free_group() noexcept {
     static thread_local Shared* waiting = nullptr;
-    static thread_local bool disposing = false;
-    next_disposed_ = std::exchange(waiting, this);
-    if (disposing) return;
-    disposing = true;
-    while (waiting != nullptr) {
-        const Shared* object = std::exchange(waiting, waiting->next_disposed_);
-        delete object;
-    }
-    disposing = false;
+    static thread_local bool freeing = false;
+    Shared* first = std::exchange(next_, waiting);
+    waiting = first;
+    if (freeing) return;
+    freeing = true;
+    while (waiting != nullptr) delete std::exchange(waiting, waiting->next_);
+    freeing = false;
 }
 
-}  // namespace velmora::config
+}  // namespace velmora::config::detail

@@ -1,10 +1,11 @@
 // Ownership of what several handles share: lists and mappings.
 //
-// A shared object is freed with its last handle. It may be nested as deep as memory allows: freeing
-// takes no recursion. It may contain itself: a group of objects that only their own handles keep
-// alive is found and freed when the last handle from outside goes.
+// Objects that reach each other form a group, which is counted and freed as one: handles that a
+// member holds of another member do not count. So no circle of counted handles ever arises, and
+// counting them frees everything. Freeing takes no recursion, however deep objects are nested.
 //
 // Counting handles is safe from several threads; changing an object is not, as with any container.
+// A change that closes a circle is one of every object on it.
 #pragma once
 
 #include <atomic>
@@ -12,67 +13,88 @@
 #include <utility>
 #include <vector>
 
-namespace velmora::config {
+#include "velmora/utils/export.hpp"
 
-class Shared {
+namespace velmora::config::detail {
+
+class Handle;
+
+class VELMORA_EXPORT Shared {
 public:
     Shared(const Shared&) = delete;
     Shared& operator=(const Shared&) = delete;
 
-    void acquire() noexcept { handles_.fetch_add(1, std::memory_order_relaxed); }
-    void release() noexcept;
-
-    /// To be called before this object gets a handle of `child`: notes the cycle that this closes,
-    /// if it does. Costs a walk below `child` when handles of this object exist besides the
-    /// caller's, else nothing.
-    void before_adding(Shared& child);
-
-    /// For a copy of `original` that holds handles of copies where that one holds handles: notes
-    /// the cycles that run through it.
-    void share_cycles_of(const Shared& original) noexcept { in_cycle_ = original.in_cycle_.load(); }
+    void acquire() noexcept { leader_->handles_.fetch_add(1, std::memory_order_relaxed); }
+    void release() noexcept {
+        if (leader_->handles_.fetch_sub(1, std::memory_order_acq_rel) == 1) leader_->free_group();
+    }
 
 protected:
     Shared() = default;
     virtual ~Shared() = default;
 
-    /// Appends the objects of which this one holds handles, each as often as it does.
-    virtual void append_children(std::vector<Shared*>& children) const = 0;
-
-    /// Lets go of all handles that this object holds.
-    virtual void clear() noexcept = 0;
+    /// The first handle that this object holds at `position` or behind it, where `position` moves
+    /// on behind it; null when none is left.
+    virtual Handle* next_handle(std::size_t& position) noexcept = 0;
 
 private:
-    class Graph;
+    friend class Handle;
+    friend class Adding;
 
-    void release_in_cycle() noexcept;
-    void dispose() noexcept;
+    void free_group() noexcept;
 
-    std::atomic<std::size_t> handles_ = 0;
-    /// Set on every object below one that a cycle runs through: a cycle has no member without it.
-    std::atomic<bool> in_cycle_ = false;
-    Shared* next_disposed_ = nullptr;
+    std::atomic<std::size_t> handles_ = 0;  ///< The counted ones of the group, kept by its leader.
+    Shared* leader_ = this;
+    Shared* next_ = this;  ///< The next member: the last one's is the first. When freed, the next
+                           ///< object to be freed.
 };
 
 /// Owns an object, together with all copies of the handle; empty once moved from.
 class Handle {
 public:
-    explicit Handle(Shared* object) noexcept : object_(object) { object_->acquire(); }
-    Handle(const Handle& other) noexcept : object_(other.object_) {
-        if (object_ != nullptr) object_->acquire();
+    explicit Handle(Shared* object) noexcept : object_(object), counted_(true) {
+        object_->acquire();
     }
-    Handle(Handle&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    Handle(const Handle& other) noexcept
+        : object_(other.object_), counted_(other.object_ != nullptr) {
+        if (counted_) object_->acquire();
+    }
+    Handle(Handle&& other) noexcept
+        : object_(std::exchange(other.object_, nullptr)),
+          counted_(std::exchange(other.counted_, false)) {}
     Handle& operator=(Handle other) noexcept {
         std::swap(object_, other.object_);
+        std::swap(counted_, other.counted_);
         return *this;
     }
     ~Handle() {
-        if (object_ != nullptr) object_->release();
+        if (counted_) object_->release();
     }
 
     Shared* get() const noexcept { return object_; }
 
 private:
+    friend class Adding;
+
     Shared* object_;
+    bool counted_;
 };
 
-}  // namespace velmora::config
+/// The adding of a handle to an object, in two steps: what may fail comes before the object is
+/// changed.
+class VELMORA_EXPORT Adding {
+public:
+    /// Finds the groups on all ways from the child, which null stands for when there is none, back
+    /// to `object`. Takes a walk through all that the child reaches when there are handles of the
+    /// group of `object` besides the caller's, else constant time.
+    Adding(Shared& object, const Handle* child);
+
+    /// Joins those groups with that of `object`, which now holds the handle `added`.
+    void finish(Handle* added) noexcept;
+
+private:
+    Shared& leader_;
+    std::vector<Shared*> groups_;  ///< Their leaders; each group only reaches those before it.
+};
+
+}  // namespace velmora::config::detail

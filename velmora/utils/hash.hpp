@@ -1,17 +1,21 @@
-// Hashes of records: one hash out of the hashes of the fields.
+// Hashes that tell nobody beforehand which values collide: they differ from process to process.
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
-#include <string>
+#include <string_view>
 #include <vector>
+
+#include "velmora/utils/export.hpp"
 
 namespace velmora::utils {
 
-/// Mixes `next` into `seed`, the order of the calls included (Boost's hash_combine).
-constexpr std::size_t hash_mix(std::size_t seed, std::size_t next) noexcept {
-    return seed ^ (next + 0x9e3779b97f4a7c15U + (seed << 6U) + (seed >> 2U));
-}
+VELMORA_EXPORT std::size_t hash_integer(std::int64_t value) noexcept;
+VELMORA_EXPORT std::size_t hash_text(std::string_view text) noexcept;
+
+/// Mixes `next` into `seed`, the order of the calls included.
+VELMORA_EXPORT std::size_t hash_mix(std::size_t seed, std::size_t next) noexcept;
 
 template <class T>
 std::size_t hash_of(const T& value) {

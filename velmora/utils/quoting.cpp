@@ -123,17 +123,17 @@ std::string one_line(std::string_view text) {
     return out;
 }
 
-std::string cut(std::string form) {
+std::string cut(std::string form, std::size_t most) {
     constexpr std::string_view marker = "...";
-    if (prefix_size(form, shown_characters) == form.size()) return form;
-    form.resize(prefix_size(form, shown_characters - marker.size()));
+    if (prefix_size(form, most) == form.size()) return form;
+    form.resize(prefix_size(form, most - marker.size()));
     return form += marker;
 }
 
 std::string shown_text(std::string_view text) {
     std::string out;
     append_quoted(out, text, shown_bytes);
-    return cut(std::move(out));
+    return cut(std::move(out), shown_characters);
 }
 
 }  // namespace velmora::utils

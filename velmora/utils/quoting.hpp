@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "velmora/utils/export.hpp"
+
 namespace velmora::utils {
 
 /// Messages show at most this many characters of a value.
@@ -20,20 +22,21 @@ inline constexpr std::size_t shown_bytes = 4 * (shown_characters + 1);
 /// whatever `text` is.
 ///
 /// Appending stops early, without notice, once `out` holds `enough` bytes.
-void append_quoted(std::string& out, std::string_view text, std::size_t enough = std::string::npos);
+VELMORA_EXPORT void append_quoted(std::string& out, std::string_view text,
+                                  std::size_t enough = std::string::npos);
 
 /// The quoted form of `text`, in full.
-std::string quoted_text(std::string_view text);
+VELMORA_EXPORT std::string quoted_text(std::string_view text);
 
-/// `form` when it has at most `shown_characters` characters, else as many of them as leave room for
-/// "..." behind them.
-std::string cut(std::string form);
+/// `form` when it has at most `most` characters, else as many of them as leave room for "..."
+/// behind them.
+VELMORA_EXPORT std::string cut(std::string form, std::size_t most);
 
 /// `text` with every character that is not printable escaped, and nothing else changed: fit for a
 /// terminal or a line of a log.
-std::string one_line(std::string_view text);
+VELMORA_EXPORT std::string one_line(std::string_view text);
 
-/// The quoted form of `text`, cut.
-std::string shown_text(std::string_view text);
+/// The quoted form of `text`, cut to `shown_characters`.
+VELMORA_EXPORT std::string shown_text(std::string_view text);
 
 }  // namespace velmora::utils

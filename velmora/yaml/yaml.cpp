@@ -172,7 +172,7 @@ private:
     void open(Frame frame, const std::string& tag, std::string_view core_tag) {
         if (frames_.size() == most_levels) source_.refuse(frame.mark, "nested too deeply");
         if (tag != untagged && tag != non_specific && short_tag(tag) != core_tag)
-            source_.refuse(frame.mark, unfit_tag_text(frame.value().kind_text(), tag));
+            source_.refuse(frame.mark, unfit_tag_text(frame.value().type_text(), tag));
         frames_.push_back(std::move(frame));
     }
 

@@ -13,7 +13,7 @@ install(
     NAMESPACE velmora::
     DESTINATION ${package_dir}
 )
-if(VELMORA_BUILD_YAML)
+if(TARGET velmora_yaml)
     install(
         TARGETS velmora_yaml
         EXPORT velmora-yaml-targets
@@ -44,7 +44,7 @@ cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY "${CMAKE_INSTALL_PR
 configure_file(cmake/velmora.pc.in ${PROJECT_BINARY_DIR}/velmora.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/velmora.pc DESTINATION ${pkgconfig_dir})
 
-if(VELMORA_BUILD_YAML)
+if(TARGET velmora_yaml)
     # Whoever links a static library links what it needs.
     if(BUILD_SHARED_LIBS)
         set(yaml_requires_private yaml-cpp)

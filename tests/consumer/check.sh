@@ -1,6 +1,6 @@
 #!/bin/sh
-# Installs a build, then builds and runs the consumer against it, once with CMake and once with
-# pkg-config.
+# Installs a build, then builds and runs the consumer against it, once with CMake, whose generator
+# CMAKE_GENERATOR names, and once with pkg-config.
 #
 # Usage: check.sh BUILD_DIRECTORY COMPILER [FLAG...]
 set -eu
@@ -16,19 +16,20 @@ mv "$work/installed" "$work/moved"
 cmake -S "$source" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/moved" \
     -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$*" >/dev/null
 cmake --build "$work/build" >/dev/null
-test "$("$work/build/consumer")" = server.port
 
-pc=$(find "$work/moved" -name velmora.pc)
-PKG_CONFIG_PATH=$(dirname "$pc")
+PKG_CONFIG_PATH=$(dirname "$(find "$work/moved" -name velmora.pc)")
 export PKG_CONFIG_PATH
-# shellcheck disable=SC2046 # the flags are words
-"$compiler" -std=c++20 "$@" "$source/main.cpp" -o "$work/with-pkg-config" \
-    $(pkg-config --cflags --libs velmora)
-test "$("$work/with-pkg-config")" = server.port
 
+# Usage: check SOURCE TARGET PACKAGE OUTPUT [FLAG...]
+check() {
+    name=$1 target=$2 package=$3 output=$4
+    shift 4
+    test "$("$work/build/$target")" = "$output"
+    # shellcheck disable=SC2046 # the flags are words
+    "$compiler" -std=c++20 "$@" "$source/$name" -o "$work/$target" $(pkg-config --cflags --libs "$package")
+    test "$(LD_LIBRARY_PATH=$PKG_CONFIG_PATH/.. "$work/$target")" = "$output"
+}
+
+check main.cpp consumer velmora server.port "$@"
 test -f "$PKG_CONFIG_PATH/velmora-yaml.pc" || exit 0
-test "$("$work/build/consumer-yaml")" = "{'server': {'port': 8080}}"
-# shellcheck disable=SC2046
-"$compiler" -std=c++20 "$@" "$source/yaml.cpp" -o "$work/yaml-with-pkg-config" \
-    $(pkg-config --cflags --libs velmora-yaml)
-test "$("$work/yaml-with-pkg-config")" = "{'server': {'port': 8080}}"
+check yaml.cpp consumer-yaml velmora-yaml "{'server': {'port': 8080}}" "$@"

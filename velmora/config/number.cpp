@@ -12,6 +12,13 @@
 #include "velmora/utils/hash.hpp"
 #include "velmora/utils/texts.hpp"
 
+#if defined(__FINITE_MATH_ONLY__) && __FINITE_MATH_ONLY__
+#error "velmora needs infinities and NaN: leave out -ffast-math, or add -fno-finite-math-only"
+#endif
+#if !defined(__cpp_lib_to_chars) && !(defined(_LIBCPP_VERSION) && _LIBCPP_VERSION >= 200000)
+#error "velmora needs std::from_chars for doubles: libstdc++ 11 or libc++ 20, or later"
+#endif
+
 namespace velmora::config {
 
 namespace {

@@ -3,8 +3,14 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <velmora/config/spec.hpp>
+
+struct Change {
+    velmora::config::Key key;
+    velmora::config::ConfigValue value;
+};
 
 /// What stands in the file under the section's name; null when nothing does.
 velmora::config::ConfigValue section_in(const velmora::config::ConfigValue& file,
@@ -14,3 +20,7 @@ velmora::config::ConfigValue section_in(const velmora::config::ConfigValue& file
 /// it takes none from there.
 std::optional<velmora::config::ConfigValue> value_in(const velmora::config::ConfigValue& section,
                                                      const velmora::config::Key& key);
+
+/// Whether these changes, and nothing else, make the one file the other.
+bool differ_by(const std::vector<Change>& changes, const velmora::config::ConfigValue& before,
+               const velmora::config::ConfigValue& after);

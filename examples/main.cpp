@@ -3,11 +3,14 @@
 #include <filesystem>
 #include <iostream>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
+#include <velmora/utils/errors.hpp>
 
+#include "refuse.hpp"
 #include "set.hpp"
 #include "show.hpp"
 #include "template.hpp"
@@ -38,12 +41,12 @@ int run(int argc, char** argv) {
 
     try {
         app.parse(argc, argv);
+        if (*show_command) show(std::cout, shown_file);
+        if (*set_command) set(std::cout, pairs, changed_file);
+        if (*template_command) print_template(std::cout);
     } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : refused;
+        if (app.exit(error) != 0) return refused;
     }
-    if (*show_command) show(std::cout, shown_file);
-    if (*set_command) set(std::cout, pairs, changed_file);
-    if (*template_command) print_template(std::cout);
     if (!std::cout.flush()) throw std::runtime_error("standard output cannot be written to");
     return 0;
 }
@@ -54,10 +57,10 @@ int main(int argc, char** argv) {
     try {
         return run(argc, argv);
     } catch (const Refused& error) {
-        std::cerr << error.what() << '\n';
+        std::cerr << error.message() << '\n';
         return refused;
     } catch (const std::exception& error) {
-        std::cerr << error.what() << '\n';
+        std::cerr << velmora::message_of(error) << '\n';
         return failed;
     }
 }

@@ -3,19 +3,12 @@
 
 #include <filesystem>
 #include <iosfwd>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-/// A change that is not made. Its message has a line for everything that is wrong.
-class Refused : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
-
 /// Gives keys of the file, which need not exist, the values of "SECTION.KEY=VALUE" pairs, keeps
-/// everything else in it, and prints what must restart. All or nothing: throws Refused when a pair
-/// is wrong, two are for one key, or the file does not allow a change; std::system_error when it
-/// cannot be read or written.
+/// everything else in it, and prints what must restart. All or nothing: throws Refused, with a line
+/// for everything that is wrong, when a pair is wrong, two are for one key, or the file does not
+/// allow a change; std::system_error when it cannot be read or written.
 void set(std::ostream& out, const std::vector<std::string>& pairs,
-         const std::filesystem::path& file);
+         const std::filesystem::path& path);

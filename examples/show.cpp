@@ -11,6 +11,7 @@
 #include <velmora/config/spec.hpp>
 #include <velmora/utils/logging.hpp>
 #include <velmora/utils/nearest_name.hpp>
+#include <velmora/utils/texts.hpp>
 #include <velmora/yaml/yaml.hpp>
 
 #include "file_values.hpp"
@@ -18,6 +19,7 @@
 
 using namespace velmora::config;
 using velmora::utils::did_you_mean;
+using velmora::utils::is_one_of;
 using velmora::utils::names_of;
 
 namespace {
@@ -30,7 +32,7 @@ void warn_of_unknown_keys(const Section& section, const Mapping& data) {
     const std::vector<std::string_view> known = names_of(section.keys());
     for (const auto& [key, value] : data) {
         const std::string name = plain_text(key);
-        if (std::find(known.begin(), known.end(), name) != known.end()) continue;
+        if (is_one_of(name, known)) continue;
         log().warning("Ignoring %s.%s in the config file: there is no such key%s", section.name(),
                       name, did_you_mean(name, known));
     }

@@ -1,12 +1,15 @@
 #include "template.hpp"
 
+#include <optional>
 #include <ostream>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <velmora/config/spec.hpp>
 #include <velmora/utils/quoting.hpp>
+#include <velmora/utils/texts.hpp>
 
 #include "settings.hpp"
 #include "yaml_value.hpp"
@@ -33,11 +36,8 @@ void print_comment(std::ostream& out, const std::string& indentation, const std:
 std::string accepted_text(const Key& key) {
     std::ostringstream out;
     out << key.kind();
-    std::string_view separator = ", one of: ";
-    for (const std::string& choice : key.setting().choices()) {
-        out << separator << choice;
-        separator = ", ";
-    }
+    const std::vector<std::string>& choices = key.setting().choices();
+    if (!choices.empty()) out << ", one of: " << velmora::utils::joined(choices);
     if (const std::optional<Bound>& bounds = key.setting().bounds()) out << ", " << bounds->text();
     return out.str();
 }

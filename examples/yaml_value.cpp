@@ -4,10 +4,12 @@
 #include <array>
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 #include <velmora/config/display.hpp>
 #include <velmora/utils/errors.hpp>
 #include <velmora/utils/quoting.hpp>
+#include <velmora/utils/texts.hpp>
 #include <velmora/utils/unicode.hpp>
 
 using namespace velmora::config;
@@ -32,31 +34,35 @@ bool needs_no_quotes(std::string_view text) {
            });
 }
 
-std::string text_of(const std::string& text) {
+std::string text_of(const std::string& text, Quotes quotes) {
     if (!utils::is_utf8(text)) throw velmora::ValueError(utils::shown_text(text) + " is no UTF-8");
-    if (needs_no_quotes(text)) return text;
-    std::string escaped;
+    if (quotes == Quotes::where_needed && needs_no_quotes(text)) return text;
+    std::string out = "\"";
     for (const char c : text) {
-        if (c == '"' || c == '\\') escaped += '\\';
-        escaped += c;
+        constexpr std::string_view digits = "0123456789abcdef";
+        const auto code = static_cast<unsigned char>(c);
+        const bool control = code < ' ' || code == 0x7f;
+        if (control && c != '\t' && c != '\n' && c != '\r') {
+            out.append("\\u00").append({digits[code / 16U], digits[code % 16U]});
+        } else {
+            if (c == '"' || c == '\\') out += '\\';
+            out += c;
+        }
     }
-    return '"' + utils::one_line(escaped) + '"';
+    return utils::one_line(out) + '"';
 }
 
-std::string list_text(const List& list) {
-    std::string out = "[";
-    for (const ConfigValue& item : list) {
-        if (out.size() > 1) out += ", ";
-        out += yaml_text(item);
-    }
-    return out += ']';
+std::string list_text(const List& list, Quotes quotes) {
+    std::vector<std::string> items;
+    for (const ConfigValue& item : list) items.push_back(yaml_text(item, quotes));
+    return '[' + utils::joined(items) + ']';
 }
 
 }  // namespace
 
-std::string yaml_text(const ConfigValue& value) {
+std::string yaml_text(const ConfigValue& value, Quotes quotes) {
     if (const auto* flag = value.get_if<bool>()) return *flag ? "true" : "false";
-    if (const auto* list = value.get_if<List>()) return list_text(*list);
+    if (const auto* list = value.get_if<List>()) return list_text(*list, quotes);
     if (value.as<Number>()) return display(value);
-    return text_of(value.get<std::string>());
+    return text_of(value.get<std::string>(), quotes);
 }

@@ -1,10 +1,13 @@
 // Public operations with their first, second, third ... allocation failing: each has its whole effect or none. What
 // leaks, or is used though freed, AddressSanitizer says.
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
 #include <new>
 
 #include <gtest/gtest.h>
 
+#include "examples/locked_file.hpp"
 #include "support.hpp"
 #include "velmora/utils/logging.hpp"
 
@@ -112,6 +115,27 @@ TEST(OutOfMemory, LeavesTheWholeEffectOrNone) {
         utils::logger("a.logger.that.is.made.only.here").set_level(utils::Level::debug);
     });
     utils::set_sink({});
+}
+
+TEST(OutOfMemory, LeavesNoFileOpenOrBehind) {
+    namespace fs = std::filesystem;
+    const auto entries = [](const fs::path& folder) { return std::distance(fs::directory_iterator(folder), {}); };
+    const fs::path folder = testing::TempDir() + "velmora-out-of-memory";
+    fs::create_directory(folder);
+    const auto descriptors = entries("/proc/self/fd");
+    bool failed = true;
+    for (long count = 0; failed; ++count) {
+        allocations_left = count;
+        try {
+            LockedFile(folder / "file").replace("content");
+            failed = false;
+        } catch (const std::bad_alloc&) {
+        }
+        allocations_left = all;
+        EXPECT_EQ(entries("/proc/self/fd"), descriptors);
+        EXPECT_EQ(entries(folder), failed ? 0 : 1);
+    }
+    fs::remove_all(folder);
 }
 
 }  // namespace

@@ -24,19 +24,25 @@ std::string block(const std::string& language) {
     return text.substr(start, text.find("```\n", start) - start);
 }
 
-void listen(const std::string& host, std::uint16_t port) {
-    EXPECT_EQ(host, "0.0.0.0");
+void listen(const std::string&, std::uint16_t port) {
     EXPECT_EQ(port, 8080);
 }
 
-TEST(Readme, ShowsWhatHappens) {
-    std::filesystem::current_path(testing::TempDir());
-    std::ofstream("app.yaml") << block("yaml");
+// What the program writes, warnings first, when this is its file.
+std::string output_for(const std::string& content) {
+    std::ofstream("app.yaml") << content;
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
 #include "readme_2.inc"
     const std::string warnings = testing::internal::GetCapturedStderr();
-    EXPECT_EQ(warnings + testing::internal::GetCapturedStdout(), block("text"));
+    return warnings + testing::internal::GetCapturedStdout();
+}
+
+TEST(Readme, ShowsWhatHappens) {
+    std::filesystem::current_path(testing::TempDir());
+    EXPECT_EQ(output_for(block("yaml")), block("text"));
+    const std::string defaults = "Server(host='127.0.0.1', port=8080, tags=['a', 'b'])\n";
+    for (const char* content : {"", "# server:\n", "- server\n"}) EXPECT_EQ(output_for(content), defaults) << content;
 }
 
 }  // namespace

@@ -91,7 +91,8 @@ check_bare_debian() {
         debootstrap --variant=minbase bookworm "$root"
         mkdir "$root/velmora"
         git archive HEAD | tar -x -C "$root/velmora"
-        env -i PATH="$PATH" chroot "$root" /velmora/dev $command </dev/null
+        env -i PATH="$PATH" unshare --mount chroot "$root" sh -c \
+            "mount -t proc proc /proc && /velmora/dev $command" </dev/null
     done
 }
 

@@ -146,8 +146,8 @@ TEST_F(Set, ChangesTheValuesAloneOrNothing) {
         {"server:\n  tags:\n  - a\n", "server.tags=", "server:\n  tags:\n    []\n"},
         {"a: &u utc\nb: &n 1\nlog:\n  *u : *n\n", set_off, "a: &u utc\nb: &n 1\nlog:\n  *u : false\n"},
         {l + "  file: 'a\n    #'  # b\n  utc: 'no'\n", "log.file=a log.utc=0", l + "  file: a  # b\n  utc: 'no'\n"},
-        {l + "  x: \"a\n  # b\"\n  # c\ntls:\n  x: !!str |\n   a\n   # b\n\n", "log.utc=0 tls.enabled=1",
-         l + "  x: \"a\n  # b\"\n  utc: false\n  # c\ntls:\n  x: !!str |\n   a\n   # b\n  enabled: true\n\n"},
+        {l + "  x: \"a\n   # b\"\n  # c\ntls:\n  x: !!str |\n   a\n   # b\n\n", "log.utc=0 tls.enabled=1",
+         l + "  x: \"a\n   # b\"\n  utc: false\n  # c\ntls:\n  x: !!str |\n   a\n   # b\n  enabled: true\n\n"},
         {l + "  x: >+\n   a\n\n  # c\n", set_off, l + "  x: >+\n   a\n\n  utc: false\n  # c\n"},
         {on, "lgo.a=1 log.utc=0 log.utx=2 log.utc=1 log.level=loud log.utc utc=0",
          "There is no section 'lgo'; did you mean 'log'?\n"

@@ -4,12 +4,15 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
 #include <optional>
 #include <utility>
 
 #include "velmora/utils/errors.hpp"
 #include "velmora/utils/quoting.hpp"
+#include "velmora/utils/texts.hpp"
+#include "velmora/yaml/source.hpp"
 
 namespace velmora::yaml {
 
@@ -19,18 +22,16 @@ using config::ConfigValue;
 using config::Integer;
 using Reading = std::optional<ConfigValue>;
 
-bool is_one_of(std::string_view text, std::initializer_list<std::string_view> spellings) {
-    return std::find(spellings.begin(), spellings.end(), text) != spellings.end();
-}
+using Words = std::initializer_list<std::string_view>;
 
 Reading read_null(std::string_view text) {
-    if (is_one_of(text, {"", "~", "null", "Null", "NULL"})) return ConfigValue();
+    if (utils::is_one_of(text, Words{"", "~", "null", "Null", "NULL"})) return ConfigValue();
     return std::nullopt;
 }
 
 Reading read_flag(std::string_view text) {
-    if (is_one_of(text, {"true", "True", "TRUE"})) return true;
-    if (is_one_of(text, {"false", "False", "FALSE"})) return false;
+    if (utils::is_one_of(text, Words{"true", "True", "TRUE"})) return true;
+    if (utils::is_one_of(text, Words{"false", "False", "FALSE"})) return false;
     return std::nullopt;
 }
 
@@ -69,17 +70,13 @@ Reading read_integer(std::string_view text) {
 }
 
 Reading read_float(std::string_view text) {
-    if (is_one_of(text, {".nan", ".NaN", ".NAN"})) return std::numeric_limits<double>::quiet_NaN();
+    if (utils::is_one_of(text, Words{".nan", ".NaN", ".NAN"}))
+        return std::numeric_limits<double>::quiet_NaN();
     if (const auto decimal = config::parse_decimal(text)) return *decimal;
-    const bool negative = text.starts_with('-');
-    if (negative || text.starts_with('+')) text.remove_prefix(1);
-    if (!is_one_of(text, {".inf", ".Inf", ".INF"})) return std::nullopt;
+    const bool negative = utils::take_sign(text);
+    if (!utils::is_one_of(text, Words{".inf", ".Inf", ".INF"})) return std::nullopt;
     constexpr double infinity = std::numeric_limits<double>::infinity();
     return negative ? -infinity : infinity;
-}
-
-Reading read_text(std::string_view text) {
-    return text;
 }
 
 struct CoreTag {
@@ -88,34 +85,40 @@ struct CoreTag {
 };
 
 // In the order in which plain scalars try them.
-constexpr std::array<CoreTag, 5> core_tags = {{
+constexpr std::array<CoreTag, 4> core_tags = {{
     {"!!null", read_null},
     {"!!bool", read_flag},
     {"!!int", read_integer},
     {"!!float", read_float},
-    {"!!str", read_text},
 }};
 
 }  // namespace
 
 std::string short_tag(std::string_view tag) {
-    constexpr std::string_view core_prefix = "tag:yaml.org,2002:";
     if (!tag.starts_with(core_prefix)) return std::string(tag);
     return "!!" + std::string(tag.substr(core_prefix.size()));
 }
 
 std::string unfit_tag_text(std::string_view kind_text, std::string_view tag) {
-    return std::string(kind_text) + " cannot be tagged " + utils::shown_text(short_tag(tag));
+    return std::string(kind_text) + " cannot be tagged " + utils::shown_text(short_tag(tag)) +
+           ": remove the tag";
 }
 
-ConfigValue read_scalar(std::string_view tag, const std::string& text) {
-    if (tag == non_specific) return text;
+ConfigValue read_scalar(std::string_view tag, std::string text) {
     const std::string wanted = short_tag(tag);
+    if (tag == non_specific || wanted == "!!str") return text;
+    // What no value but a text begins with needs no further look.
+    constexpr std::string_view beginnings = "~nNtTfF.+-0123456789";
+    if (tag.empty() && !text.empty() && !is_one_of(text[0], beginnings)) return text;
     for (const auto& [name, read] : core_tags) {
-        if (tag != untagged && wanted != name) continue;
+        if (!tag.empty() && wanted != name) continue;
         if (Reading value = read(text)) return *std::move(value);
-        if (tag != untagged) throw ValueError(utils::shown_text(text) + " is no " + wanted);
+        if (!tag.empty()) {
+            throw ValueError(utils::shown_text(text) + " is no " + wanted +
+                             ": mend it, or remove the tag");
+        }
     }
+    if (tag.empty()) return text;
     throw ValueError(unfit_tag_text("a scalar", tag));
 }
 

@@ -8,10 +8,11 @@
 
 namespace velmora::yaml {
 
-/// What a parser reports in place of a tag: for a plain scalar or a collection without one, and for
-/// a quoted scalar or anything with the tag "!".
-inline constexpr std::string_view untagged = "?";
+/// The tag that says "by its kind": a scalar is then a text.
 inline constexpr std::string_view non_specific = "!";
+
+/// What "!!" stands for in a tag.
+inline constexpr std::string_view core_prefix = "tag:yaml.org,2002:";
 
 /// The tag with "!!" for the prefix of the core tags: "!!int".
 std::string short_tag(std::string_view tag);
@@ -19,8 +20,8 @@ std::string short_tag(std::string_view tag);
 /// Says that a value of this kind, "a list" say, cannot have this tag.
 std::string unfit_tag_text(std::string_view kind_text, std::string_view tag);
 
-/// The value of a scalar. Throws ValueError when the text does not fit the tag, or the tag is none
-/// of a scalar.
-config::ConfigValue read_scalar(std::string_view tag, const std::string& text);
+/// The value of a scalar with a tag, which is empty for a plain scalar without one. Throws
+/// ValueError when the text does not fit the tag, or the tag is none of a scalar.
+config::ConfigValue read_scalar(std::string_view tag, std::string text);
 
 }  // namespace velmora::yaml

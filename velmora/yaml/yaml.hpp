@@ -18,32 +18,63 @@
 // shares the list or mapping of its anchor, which may contain itself that way, but not within a
 // key.
 //
-// Refused with an error are, beside what is no YAML: a key twice in one mapping (1, 1.0 and 0x1 are
-// one key), lists and mappings more than 400 levels deep, control characters, 2 GiB of text or
-// more, and, because they would take quadratic time, more than some thousand lists or mappings that
-// contain themselves or are keys alike in size and first items.
+// Whatever is read has the value that YAML 1.2 gives it; all else is refused, with the place and what
+// to do. One thing is taken although the standard forbids it, because everybody writes it: the
+// bracket that closes a list or a mapping may stand in the column of the key before it.
+//
+// Refused are, beside what is no YAML:
+// - a second document;
+// - a key twice in one mapping (1, 1.0 and 0x1 are one key);
+// - lists and mappings more than 400 levels deep;
+// - control characters below U+0020 other than the tab and line ends; outside of quotes also U+007F
+//   to U+009F but for U+0085, U+FEFF, U+FFFE and U+FFFF;
+// - escapes for surrogates ("\ud83d"), and an indentation indicator ("|2") at the top level, which
+//   readers understand in two ways;
+// - aliases that stand for more than a million values in all, those within values and what these
+//   grow to where they contain themselves included; 64 bytes of text count as one more;
+// - because they would take quadratic time, more than some thousand lists or mappings that contain
+//   themselves or are keys alike in size and first items;
+// - 2 GiB of text or more;
+// - a few rare forms that yaml-cpp, on which this is built, does not understand: a key in braces
+//   whose ":" is on another line, and an empty key behind an empty value.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
 
 #include "velmora/config/value.hpp"
 #include "velmora/utils/errors.hpp"
+#include "velmora/utils/export.hpp"
 
 namespace velmora::yaml {
 
-/// Says "FILE:LINE:COLUMN: what is wrong there", both counted from 1 and the column in characters,
-/// or "FILE: cannot be read: REASON".
-class Error : public ValueError {
+/// Says "FILE:LINE:COLUMN: what is wrong there", or "FILE: cannot be read: REASON". Valid UTF-8, if
+/// the name of the file is.
+class VELMORA_EXPORT Error : public ValueError {
 public:
-    using ValueError::ValueError;
+    Error(std::string_view file, std::size_t line, std::size_t column, std::string_view what);
+    Error(std::string_view file, std::string_view what);
+
+    /// The name of the file or the text; valid as long as this error or a copy of it.
+    std::string_view file() const noexcept {
+        return std::string_view(message()).substr(0, file_size_);
+    }
+    /// Both are counted from 1, the column in characters; 0 when the file cannot be read.
+    std::size_t line() const noexcept { return line_; }
+    std::size_t column() const noexcept { return column_; }
+
+private:
+    std::size_t file_size_;
+    std::size_t line_ = 0;
+    std::size_t column_ = 0;
 };
 
 /// The value of a YAML text, null for an empty one. Throws Error, in which the text goes by `name`.
-config::ConfigValue load(std::string_view text, std::string_view name = "<text>");
+VELMORA_EXPORT config::ConfigValue load(std::string_view text, std::string_view name = "<text>");
 
 /// The value of a YAML file, likewise.
-config::ConfigValue load_file(const std::filesystem::path& path);
+VELMORA_EXPORT config::ConfigValue load_file(const std::filesystem::path& path);
 
 }  // namespace velmora::yaml

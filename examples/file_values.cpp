@@ -1,9 +1,8 @@
 #include "file_values.hpp"
 
 #include <algorithm>
+#include <map>
 #include <set>
-#include <string_view>
-#include <utility>
 
 #include <velmora/config/display.hpp>
 
@@ -16,27 +15,27 @@ Mapping mapping_in(const ConfigValue& value) {
     return mapping != nullptr ? *mapping : Mapping();
 }
 
-// Everything in the file but these keys, as texts: unlike values, they compare alike where there is
-// a NaN.
-std::vector<std::string> other_entries(const std::vector<Change>& changes,
-                                       const ConfigValue& file) {
-    std::set<std::string> sections;
-    std::set<std::pair<std::string, std::string>> keys;
-    for (const auto& [key, value] : changes) {
-        sections.insert(display(key.section()));
-        keys.emplace(display(key.section()), display(key.name()));
-    }
-    std::vector<std::string> entries;
+// A value and the keys that lead to it, as texts: unlike values, they compare alike where there is a
+// NaN.
+using Entry = std::vector<std::string>;
+
+// Everything in the file but these keys.
+std::vector<Entry> other_entries(const std::vector<Change>& changes, const ConfigValue& file) {
+    std::map<std::string, std::set<std::string>> changed;
+    for (const auto& [key, value] : changes)
+        changed[display(key.section())].insert(display(key.name()));
+    std::vector<Entry> entries;
     for (const auto& [name, section] : mapping_in(file)) {
         const std::string shown_name = display(name);
-        if (!sections.contains(shown_name)) {
-            entries.push_back(shown_name + ": " + display(section));
+        const auto found = changed.find(shown_name);
+        if (found == changed.end()) {
+            entries.push_back({shown_name, display(section)});
             continue;
         }
         for (const auto& [key, value] : mapping_in(section)) {
             const std::string shown_key = display(key);
-            if (!keys.contains({shown_name, shown_key}))
-                entries.push_back(shown_name + '.' + shown_key + ": " + display(value));
+            if (!found->second.contains(shown_key))
+                entries.push_back({shown_name, shown_key, display(value)});
         }
     }
     return entries;

@@ -109,9 +109,8 @@ Range YamlLayout::null_behind(const YamlNode& key, bool flow) const {
         start = found_or_end(text_.find_first_not_of(blanks, next_line(start)), text_);
     // In lines of its own what is no part of the mapping is not indented further than the key.
     const bool is_value = flow ? text_[start] != ',' && text_[start] != '}'
-                               : line_start(start) == line_start(behind) ||
-                                     start - line_start(start) > key.start - line_start(key.start);
-    if (start == text_.size() || !is_value) return {behind, behind};
+                               : start - line_start(start) > key.start - line_start(key.start);
+    if (!is_value) return {behind, behind};
     if (text_[start] == '&' || text_[start] == '!') refuse("it has an anchor or a tag");
     return {start, found_or_end(text_.find_first_of(" \t\r\n,}", start), text_)};
 }
@@ -170,8 +169,7 @@ std::size_t YamlLayout::end_of_block_scalar(std::size_t start, std::size_t inden
 }
 
 std::size_t YamlLayout::end_of_document(const YamlNode& root) const {
-    const bool has_keys = !root.children.empty();
-    std::size_t at = has_keys ? root.children[root.children.size() - 2].start : 0;
+    std::size_t at = root.kind == Kind::null ? 0 : root.start;
     for (; (at = text_.find("...", at)) != std::string::npos; at += 3) {
         const std::size_t behind = at + 3;
         const bool ends = behind == text_.size() ||

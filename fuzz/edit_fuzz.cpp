@@ -15,15 +15,30 @@ using namespace velmora::config;
 
 namespace {
 
+// A copy of a mapping, for which null stands if it is empty, with one entry more or changed.
+Mapping with_entry(const ConfigValue& mapping, const std::string& key, const ConfigValue& value) {
+    Mapping changed = mapping.is_null() ? Mapping() : mapping.get<Mapping>().copy();
+    changed.set(key, value);
+    return changed;
+}
+
 void check_edit(const Key& key, const std::string& raw, const std::string& text) {
+    ConfigValue value;
+    ConfigValue old;
+    std::string edited;
     try {
-        const std::vector<Change> changes = {{key, key.coerce(raw)}};
-        const ConfigValue old = velmora::yaml::load(text);
-        const std::string edited = with_changes(text, old, changes);
-        require(differ_by(changes, old, velmora::yaml::load(edited)), "something else has changed");
+        value = key.coerce(raw);
+        old = velmora::yaml::load(text);
+        edited = with_changes(text, old, {{key, value}});
     } catch (const velmora::ValueError& error) {
-        require_utf8(error.message());
+        return require_utf8(error.message());
     }
+    const Mapping section = with_entry(section_in(old, key.section()), key.name(), value);
+    const ConfigValue expected = with_entry(old, key.section(), section);
+    // A NaN differs from itself.
+    require(velmora::yaml::load(edited) == expected ||
+                display(expected).find("nan") != std::string::npos,
+            "another value than the key's has changed");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <exception>
+#include <limits>
 #include <string>
 #include <type_traits>
 #include <typeinfo>
@@ -13,6 +14,24 @@
 #include "velmora/config/spec.hpp"
 
 namespace velmora::test {
+
+inline constexpr double inf = std::numeric_limits<double>::infinity();
+inline constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+inline std::string repeated(std::string_view text, int count) {
+    std::string all;
+    while (count-- > 0) all += text;
+    return all;
+}
+
+/// 2^1024 - 2^970, the least integer that is nearest to no finite double.
+inline const std::string border =
+    "1797693134862315807937289714053034150799341327100378269361737789804449682927647509466490"
+    "1797758720709633028641669288791094655554785194040263065748867150582068190890200070838367"
+    "6273854845817711531764475730270069855571366959622842914819860834936475292719074168444365"
+    "510704342711559699508093042880177904174497792";
+/// An integer beyond it.
+inline const config::Integer huge = config::Integer::parse("1" + std::string(400, '0')).value();
 
 /// The name of an error's very type, without its namespaces.
 inline std::string type_of(const std::exception& error) {
@@ -38,6 +57,7 @@ inline std::string text_of(const std::exception& error) {
 /// What `action` comes to: the text or the display form of what it returns, or its error.
 template <class Action>
 std::string outcome(Action action) {
+    using config::display;
     try {
         if constexpr (std::is_convertible_v<decltype(action()), std::string>) {
             return action();

@@ -7,24 +7,17 @@
 
 #include <gtest/gtest.h>
 
-#include "velmora/config/coercers.hpp"
+#include "support.hpp"
 
 namespace velmora::config {
 namespace {
 
-std::string repeated(std::string_view text, int count) {
-    std::string result;
-    while (count-- > 0) result += text;
-    return result;
-}
+using test::inf, test::repeated;
 
 TEST(Display, WritesDoublesShortestAndLikeNothingElse) {
-    constexpr double infinity = std::numeric_limits<double>::infinity();
-    const List doubles(-std::nan(""), -infinity, -0.0, 100.0, 9999999999999998.0, 1e16, -0.0001,
-                       0.00001, 1.0 / 3);
-    EXPECT_EQ(
-        display(doubles),
-        "[nan, -inf, -0.0, 100.0, 9999999999999998.0, 1e+16, -0.0001, 1e-05, 0.3333333333333333]");
+    const List doubles(-test::nan, -inf, -0.0, 100.0, 9999999999999998.0, 1e16, -0.0001, 0.00001, 1.0 / 3);
+    EXPECT_EQ(display(doubles),
+              "[nan, -inf, -0.0, 100.0, 9999999999999998.0, 1e+16, -0.0001, 1e-05, 0.3333333333333333]");
 }
 
 TEST(Display, WritesDoublesThatReadBackWhateverTheLocale) {
@@ -43,8 +36,7 @@ TEST(Display, WritesDoublesThatReadBackWhateverTheLocale) {
     }
     EXPECT_EQ(number_text(0.5), "0.5");
     std::setlocale(LC_ALL, "C");
-    if (comma == nullptr)
-        GTEST_SKIP() << "no locale with a decimal comma is installed: only the C locale was tried";
+    if (comma == nullptr) GTEST_SKIP() << "no locale with a decimal comma is installed: only the C locale was tried";
 }
 
 TEST(Display, WritesWhatOccursAgainOnlyWithinItselfShort) {
@@ -52,16 +44,14 @@ TEST(Display, WritesWhatOccursAgainOnlyWithinItselfShort) {
     loop.push_back(loop);
     Mapping mapping{{loop, loop}, {{}, "it's"}};
     mapping.set(mapping, List(mapping, Mapping()));
-    EXPECT_EQ(display(mapping),
-              "{[1, None, False, [...]]: [1, None, False, [...]], "
-              "None: \"it's\", {...}: [{...}, {}]}");
+    const std::string shown = "[1, None, False, [...]]";
+    EXPECT_EQ(testing::PrintToString(mapping), "{" + shown + ": " + shown + ", None: \"it's\", {...}: [{...}, {}]}");
     EXPECT_EQ(plain_text(List("a")), "['a']");
     EXPECT_EQ(plain_text("it's"), "it's");
 }
 
 TEST(Shown, CutsAtEightyCharacters) {
-    List wide;
-    List doubling(1, 2);
+    List wide, doubling(1, 2);
     ConfigValue deep = 1;
     for (int i = 0; i < 100'000; ++i) {
         wide.push_back(1);
@@ -72,7 +62,7 @@ TEST(Shown, CutsAtEightyCharacters) {
         {repeated("é", 78), "'" + repeated("é", 78) + "'"},
         {repeated("\U0001f600", 79), "'" + repeated("\U0001f600", 76) + "..."},
         {repeated("\U000e0001", 1000), "'" + repeated("\\U000e0001", 7) + "\\U000e..."},
-        {Integer::parse(repeated("7", 1000)).value(), repeated("7", 77) + "..."},
+        {test::huge, "1" + repeated("0", 76) + "..."},
         {deep, repeated("[", 77) + "..."},
         {doubling, repeated("[", 77) + "..."},
         {Mapping{{wide, wide}}, "{[1" + repeated(", 1", 24) + ", ..."},

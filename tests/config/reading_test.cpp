@@ -1,17 +1,13 @@
 // Checking the values of keys and reading sections.
-#include <memory>
-#include <stdexcept>
-
 #include <gtest/gtest.h>
 
 #include "support.hpp"
-#include "velmora/config/spec.hpp"
 #include "velmora/utils/logging.hpp"
 
 namespace velmora::config {
 namespace {
 
-using test::outcome;
+using test::huge, test::outcome;
 
 Key key_of(KeyKind kind, SettingOptions options = {}) {
     const auto about = std::make_shared<const Setting>("", std::move(options));
@@ -19,13 +15,12 @@ Key key_of(KeyKind kind, SettingOptions options = {}) {
 }
 
 TEST(KeyCoerce, NamesTheKeyAndShowsTheValue) {
-    const Key flag = key_of(KeyKind::bool_), list = key_of(KeyKind::list);
-    const Key count = key_of(KeyKind::int_, {.bounds = POSITIVE});
+    const Key flag = key_of(KeyKind::bool_), count = key_of(KeyKind::int_, {.bounds = POSITIVE});
     const Key ratio = key_of(KeyKind::float_, {.bounds = PROBABILITY});
-    const Key level = key_of(KeyKind::str, {.choices = {"info", "debug", "Zero", "info"}});
-    const std::string nul("a\0b", 3), x(100, 'x'), choices = ". Must be one of: Zero, debug, info, info";
+    const Key level = key_of(KeyKind::str, {.choices = {"info", "debug", "7", "Zero", "info"}});
+    const std::string nul("a\0b", 3), x(100, 'x'), choices = ". Must be one of: 7, Zero, debug, info, info";
     const std::string cannot = "ConfigKeyError: Cannot set s.k=", invalid = "ConfigKeyError: Invalid value for s.k: ";
-    const Integer huge = Integer::parse("1" + std::string(400, '0')).value();
+    const std::string shown = _shown(huge), border = "2^1024 - 2^970 in magnitude";
     const std::tuple<Key, ConfigValue, std::string> cases[] = {
         {flag, " yes", "True"},
         {flag, List{x},
@@ -35,18 +30,16 @@ TEST(KeyCoerce, NamesTheKeyAndShowsTheValue) {
         {count, 0, invalid + "0. It must be above 0"},
         {count, nullptr, cannot + "None: expected int (expected an integer, got None) <- TypeError"},
         {count, huge,
-         cannot + huge.text().substr(0, 77) +
-             "...: expected int (expected an integer below 2^1024 - 2^970 in magnitude, got " +
-             huge.text().substr(0, 77) + "...) <- OverflowError"},
+         cannot + shown + ": expected int (expected an integer below " + border + ", got " + shown +
+             ") <- OverflowError"},
         {ratio, 1, "1.0"},
         {ratio, 2, invalid + "2.0. It must be at least 0 and at most 1"},
-        {level, "debug", "'debug'"},
-        {level, "Info", invalid + "'Info'" + choices},
+        {level, 7, "'7'"},
         {level, 5, invalid + "'5'" + choices},
         {level, x, invalid + "'" + x + "'" + choices},
         {key_of(KeyKind::str, {.choices = {nul}}), nul + "c", invalid + "'a\\x00bc'. Must be one of: " + nul},
         {key_of(KeyKind::int_, {.bounds = POSITIVE, .choices = {"1"}}), -1, invalid + "-1. Must be one of: 1"},
-        {list, "a,b", "['a', 'b']"},
+        {key_of(KeyKind::list), "a,b", "['a', 'b']"},
         {key_of(static_cast<KeyKind>(9)), 1, "another error: a key of a kind that has no coercer"},
         {key_of(KeyKind::str, {.bounds = POSITIVE}), "a",
          "TypeError: a bound cannot be compared with 'a', which is no number"},
@@ -83,7 +76,7 @@ protected:
 };
 
 TEST_F(SectionRead, CostsAWarningAndTheDefaultForABadValue) {
-    const std::string defaults = "S(level='info', count=3, tags=['a'], ratio=0.5)";
+    const std::string defaults = "S(level='info', count=3, tags=['a'], ratio=0.5)", keeping = "; keeping the default ";
     const std::string no_mapping = "\nIgnoring the s section of the config file: it is not a mapping";
     const std::string ignoring = "\nIgnoring s.", cannot = " in the config file: Cannot set s.";
     const std::pair<ConfigValue, std::string> cases[] = {
@@ -95,21 +88,20 @@ TEST_F(SectionRead, CostsAWarningAndTheDefaultForABadValue) {
         {Mapping{{"tags", "x,y"}, {"count", "7"}, {"level", "debug"}, {"ratio", 1}},
          "S(level='debug', count=7, tags=['x', 'y'], ratio=1.0)"},
         {Mapping{{"ratio", "x"}, {"tags", nullptr}, {"count", 0}, {"level", nullptr}, {"o", 1}},
-         defaults + ignoring + "level" + cannot + "level=None: expected str (no value); keeping the default 'info'" +
-             ignoring +
-             "count in the config file: Invalid value for s.count: 0. It must be above 0; keeping the default 3" +
-             ignoring + "tags" + cannot +
-             "tags=None: expected list (cannot interpret None as a list); keeping the default ['a']" + ignoring +
-             "ratio" + cannot +
-             "ratio='x': expected float (expected a decimal number, got 'x'); keeping the default 0.5"},
+         defaults + ignoring + "level" + cannot + "level=None: expected str (no value)" + keeping + "'info'" +
+             ignoring + "count in the config file: Invalid value for s.count: 0. It must be above 0" + keeping + "3" +
+             ignoring + "tags" + cannot + "tags=None: expected list (cannot interpret None as a list)" + keeping +
+             "['a']" + ignoring + "ratio" + cannot + "ratio='x': expected float (expected a decimal number, got 'x')" +
+             keeping + "0.5"},
     };
     for (const auto& [data, expected] : cases) EXPECT_EQ(read(section, data), expected);
     EXPECT_EQ(records.at(0).logger(), "velmora.config.spec");
     EXPECT_EQ(records[0].level(), utils::Level::warning);
     EXPECT_EQ(records[0].message_template(), "Ignoring %s in the config file: %s; keeping the default %r");
     EXPECT_EQ(records[0].arguments().size(), 3U);
-    EXPECT_EQ(outcome([&] { return std::to_string(section.read(nullptr).get<bool>("tags")); }),
-              "TypeError: s.tags holds ['a'], not a flag");
+    Record record = section.kind().make();
+    record = section.read(nullptr);
+    EXPECT_EQ(outcome([&] { return record.get<bool>("tags"); }), "TypeError: s.tags holds ['a'], not a flag");
 }
 
 TEST_F(SectionRead, FindsTheFieldsOfItsKeysInAnyOrder) {
@@ -117,16 +109,14 @@ TEST_F(SectionRead, FindsTheFieldsOfItsKeysInAnyOrder) {
     const ConfigValue data = Mapping{{"level", "debug"}, {"count", 5}, {"ratio", 0}, {"k", true}};
     EXPECT_EQ(read(Section("s", type, about, {keys[3], keys[1]}), data),
               "S(level='info', count=5, tags=['a'], ratio=0.0)");
-    EXPECT_EQ(read(Section("s", type, about, {keys[3], key_of(KeyKind::bool_)}), data),
-              "TypeError: S has no field 'k'");
+    EXPECT_EQ(read(Section("s", type, about, {key_of(KeyKind::bool_)}), data), "TypeError: S has no field 'k'");
 }
 
 TEST_F(SectionRead, SharesNothingWithDefaultsDataOrWarnings) {
     const ConfigValue data = Mapping{{"tags", List{"x"}}};
     section.read(data).get<List>("tags").push_back("mine");
     section.read(nullptr).get<List>("tags").push_back("mine");
-    EXPECT_EQ(display(data), "{'tags': ['x']}");
-    EXPECT_EQ(section.read(nullptr).get<ConfigValue>("tags"), ConfigValue(List{"a"}));
+    EXPECT_EQ(display(data) + display(section.read(nullptr).get<List>("tags")), "{'tags': ['x']}['a']");
 
     List shared{1};
     utils::logger("velmora.config.spec").warning("%r", ConfigValue(shared));

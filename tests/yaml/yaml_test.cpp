@@ -67,30 +67,26 @@ TEST(Load, ReadsPlainScalarsByTheCoreSchema) {
 TEST(Load, ReadsScalarsInEveryStyle) {
     check({
         {"['1', \"true\", '', 'it''s']", R"(['1', 'true', '', "it's"])"},
-        {R"("\0\a\b\e\f\n\r\t\v\	\ \/\"\\\_\N\L\P\x41\u00e9\u20ac\U0001f600")",
-         R"('\x00\x07\x08\x1b\x0c\n\r\t\x0b\t /"\\\xa0\x85\u2028\u2029Aé€😀')"},
+        {R"("\0\a\b\e\f\n\r\t\v\	\ \/\"\\\_\N\L\P\x41\u00e9\u20ac\U0001f600\U0010ffff")",
+         R"('\x00\x07\x08\x1b\x0c\n\r\t\x0b\t /"\\\xa0\x85\u2028\u2029Aé€😀\U0010ffff')"},
         {"a: 'x \n\n\n  y\t\n  z \n  '", R"({'a': 'x\n\ny z '})"},
         {"\"x\\t \n y \\\n\n z\\\n  \\ \\\\\"", R"('x\t y \nz \\')"},
         {"'x\n\n\n'", R"('x\n\n')"},
-        {"a: b\n  c # d\ne:\n\n\n f:g#h\n\n\n  - i", R"({'a': 'b c', 'e': 'f:g#h\n\n- i'})"},
+        {"a: b \t\n  c # d\ne:\n\n\n f:g,#h\n\n\n  - i", R"({'a': 'b c', 'e': 'f:g,#h\n\n- i'})"},
         {"[a b\n c?, -d, ?e, :f, /i?j=k]", "['a b c?', '-d', '?e', ':f', '/i?j=k']"},
-        {"- |-\n  null\n-  |+ # c\n  x\n\n- >+\n\n\n- >\n\n- |\n  1",
-         R"(['null', 'x\n\n', '\n\n', '', '1'])"},
+        {"- |-\n  null\n-  |+ # c\n  x\n\n- >+\n\n\n- >\n\n- |\n  1", R"(['null', 'x\n\n', '\n\n', '', '1'])"},
         {"a: >\n\n  b\n  c\n\n  d\n   e\n  f\n\n\n# g", R"({'a': '\nb c\nd\n e\nf\n'})"},
         {"a:\n - |1\n   b\n  \tc\n - >2-\n    d\n", R"({'a': [' b\n\tc\n', ' d']})"},
-        {"# c\n--- &a !!str |\n#a\n%b: [", R"('#a\n%b: [')"},
+        {"--- # c\n&a !!str |\n#a\n%b: [", R"('#a\n%b: [')"},
         {"- |+\n   ", R"(['\n'])"},
     });
 }
 
 TEST(Load, ReadsEveryStructure) {
     check({
-        {"a:\n- b\n-\n  - c: d\n    e:\nf:\n g: h",
-         "{'a': ['b', [{'c': 'd', 'e': None}]], 'f': {'g': 'h'}}"},
-        {"- - a\n  -\n- ? b\n  : - c\n  ? d\n-   e: f",
-         "[['a', None], {'b': ['c'], 'd': None}, {'e': 'f'}]"},
-        {"? |\n a\n: b\n[c]: d\n\"e\" : f\n:\n- g",
-         R"({'a\n': 'b', ['c']: 'd', 'e': 'f', None: ['g']})"},
+        {"a:\n- b\n-\n  - c: d\n    e:\nf:\n g: h", "{'a': ['b', [{'c': 'd', 'e': None}]], 'f': {'g': 'h'}}"},
+        {"- - a\n  -\n- ? b\n  : - c\n  ? d\n-   e: f", "[['a', None], {'b': ['c'], 'd': None}, {'e': 'f'}]"},
+        {"? |\n a\n: b\n[c]: d\n\"e\" : f\n:\n- g", R"({'a\n': 'b', ['c']: 'd', 'e': 'f', None: ['g']})"},
         {"{a: b, \"c\":d, e, 'f' :, ? g : h, ? , {i: j}: k,}",
          "{'a': 'b', 'c': 'd', 'e': None, 'f': None, 'g': 'h', None: None, {'i': 'j'}: 'k'}"},
         {"[a: b, {c: d}: e, {f: g}, {}, [h]: i, ? j, : k, &l {m: n}, &o {}: p]",
@@ -98,13 +94,11 @@ TEST(Load, ReadsEveryStructure) {
          "{None: 'k'}, {'m': 'n'}, {{}: 'p'}]"},
         {"&m\n!!map\n&k a: !!str\nb: &n # c\n\n  - d\ne: [*k, *n, !!str , &p: ]\n*n : *p:",
          "{'a': '', 'b': ['d'], 'e': ['a', ['d'], '', None], ['d']: None}"},
-        {"a: [\n  1,\n  2\n]\nb:\t{ # c\n  }\n\t\nc: \t1\n\t# d\ne: 2",
-         "{'a': [1, 2], 'b': {}, 'c': 1, 'e': 2}"},
-        {"\xef\xbb\xbf# c\n%YAML 1.3 # c\n%TAG !t! tag:yaml.org,2002:\n%FOO bar\n--- # c\n"
-         "!t!str 1\n... # c\n...\n",
-         "'1'"},
-        {"a: |\r\n  b\r\n  c\rd: \"e\r\n  f\" # g\rh: \xc3\xa9",
-         R"({'a': 'b\nc\n', 'd': 'e f', 'h': 'é'})"},
+        {"a: [\n  1,\n  2\n]\nb:\t{ # c\n  }\n\t\nc: \t1\n\t# d\ne: 2", "{'a': [1, 2], 'b': {}, 'c': 1, 'e': 2}"},
+        {"\xef\xbb\xbf# c\n%YAML 1.3 # c\n%TAG !t-1! tag:yaml.org,2002:\n%FOO bar\n--- # c\n"
+         "a: !t-1!str 1\n... # c\n...\n",
+         "{'a': '1'}"},
+        {"a: |\r\n  b\r\n  c\rd: \"e\r\n  f\" # g\rh: \xc3\xa9", R"({'a': 'b\nc\n', 'd': 'e f', 'h': 'é'})"},
         {"\"\x7f\xc2\x80\xef\xbf\xbe\": \xc2\x85", R"({'\x7f\x80\ufffe': '\x85'})"},
         {repeated("é", 1024) + ": 1\n? " + repeated("k", 1025) + "\n: 2",
          "{'" + repeated("é", 1024) + "': 1, '" + repeated("k", 1025) + "': 2}"},
@@ -144,8 +138,7 @@ TEST(Load, SaysWhereAndWhatIsWrong) {
         {"a '- ' cannot be here", {{"a: - b", "1:4"}, {"&a - b", "1:4"}}},
         {"a text among the keys", {{"a: 1\nb", "2:1"}, {"a: 1\n? b\n:\nc", "4:1"}}},
         {"this is no 'key: value'", {{"a: \"b\" c", "1:8"}, {"a: >\n  b\n c", "3:2"}}},
-        {"this line belongs to",
-         {{"- a\nb: c", "2:1"}, {" a: 1\nb: 2", "2:1"}, {"a:\n: b", "2:1"}}},
+        {"this line belongs to", {{"- a\nb: c", "2:1"}, {" a: 1\nb: 2", "2:1"}, {"a:\n: b", "2:1"}}},
         {"a tab cannot indent", {{"-\t- a", "1:3"}, {"- \ta: b", "1:4"}, {"a: |\n\t\nb:", "2:1"}}},
         {"a line that begins with '%'", {{"%abc", "1:1"}, {"# c\n%x\na: 2", "2:1"}}},
         {"a text cannot begin with ", {{"a: %b", "1:4"}, {"- @b", "1:3"}, {"[-, a]", "1:2"}}},
@@ -176,7 +169,7 @@ TEST(Load, SaysWhereAndWhatIsWrong) {
         {"an integer in base 8 or 16", {{"0x" + repeated("1", 4097), "1:1"}}},
         {"a byte that is no UTF-8", {{"a:\n- \xc3\xa9\xff", "2:4"}}},
         {R"(the control character '\x00')", {{std::string("a\0b", 3), "1:2"}}},
-        {"this character may only", {{"\"b\" # \x7f", "1:7"}, {"'\x7f' : \xef\xbf\xbf", "1:7"}}},
+        {"this character may only", {{"[\x7f, \"\"]", "1:2"}, {"'\x7f' : \xef\xbf\xbf", "1:7"}}},
     };
     for (const auto& [message, cases] : faults) {
         for (const auto& [text, place] : cases) {
@@ -190,8 +183,7 @@ TEST(Load, RefusesDeepNesting) {
     const std::string nested = repeated("[", 400) + repeated("]", 400);
     EXPECT_EQ(result_of(nested), nested);
     for (const auto* part : {"[", "{", "- ", "? ", "[a: ", "{a: ", "- ? ", "[? "}) {
-        EXPECT_TRUE(result_of(repeated(part, 100'000)).ends_with("more than 400 levels deep"))
-            << part;
+        EXPECT_TRUE(result_of(repeated(part, 100'000)).ends_with("more than 400 levels deep")) << part;
     }
 }
 
@@ -215,8 +207,7 @@ TEST(Load, TakesLittleTimeAndMemory) {
     for (const auto& each : {shared + "- *a", text, doubled, dense + repeated("]", 30)})
         EXPECT_TRUE(result_of(each).ends_with(many)) << result_of(each);
     const std::string cycles = "too many lists or mappings that are keys or contain themselves";
-    for (const auto& each : {loops + "]", alike})
-        EXPECT_TRUE(result_of(each).ends_with(cycles)) << result_of(each);
+    for (const auto& each : {loops + "]", alike}) EXPECT_TRUE(result_of(each).ends_with(cycles)) << result_of(each);
 }
 
 TEST(LoadFile, ReadsAFileOrSaysWhyNot) {
@@ -243,8 +234,7 @@ TEST(LoadFile, ReadsAFileOrSaysWhyNot) {
     EXPECT_EQ(missing.message(), name + ": cannot be read: No such file or directory");
     EXPECT_EQ(missing.file(), name);
     EXPECT_EQ(missing.line() + missing.column(), 0U);
-    EXPECT_EQ(error_in_file(directory).message(),
-              directory.string() + ": cannot be read: Is a directory");
+    EXPECT_EQ(error_in_file(directory).message(), directory.string() + ": cannot be read: Is a directory");
 }
 
 }  // namespace

@@ -79,7 +79,7 @@ public:
     const std::vector<std::string>& choices() const noexcept { return options_.choices; }
     const std::optional<Restart>& restart() const noexcept { return options_.restart; }
 
-    friend bool operator==(const Setting& a, const Setting& b);
+    VELMORA_EXPORT friend bool operator==(const Setting& a, const Setting& b);
 
 private:
     std::string doc_;
@@ -122,6 +122,7 @@ struct RestartMustBeGiven {};
 /// Declares a key by its default and one line of doc. A list default is copied, now and anew for
 /// every record, so that no two records share one; other defaults are taken as they are, unchecked.
 template <std::convertible_to<ConfigValue> Default>
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the linter overlooks moves in templates.
 FieldDetails setting(Default&& default_value, detail::Doc doc, SettingOptions options = {}) {
     return detail::describe_key(std::forward<Default>(default_value), *std::move(doc),
                                 std::move(options));

@@ -101,20 +101,20 @@ private:
     // What lists and mappings hold is left to be compared later.
     bool equal_so_far(const ConfigValue& a, const ConfigValue& b) {
         return a.visit([&](const auto& left) {
-            return b.visit([&](const auto& right) { return equal_held(left, right); });
+            return b.visit([&](const auto& right) { return this->equal_held(left, right); });
         });
     }
 
     template <class T>
-    bool equal_held(const T& a, const T& b) {
+    static bool equal_held(const T& a, const T& b) {
         return a == b;
     }
     template <class T, class Other>
-    bool equal_held(const T&, const Other&) {
+    static bool equal_held(const T&, const Other&) {
         return false;
     }
-    bool equal_held(const Integer& a, double b) { return Number(a) == Number(b); }
-    bool equal_held(double a, const Integer& b) { return Number(a) == Number(b); }
+    static bool equal_held(const Integer& a, double b) { return Number(a) == Number(b); }
+    static bool equal_held(double a, const Integer& b) { return Number(a) == Number(b); }
     bool equal_held(const List& a, const List& b) { return equal_sizes(a, b, lists_); }
     bool equal_held(const Mapping& a, const Mapping& b) { return equal_sizes(a, b, mappings_); }
 

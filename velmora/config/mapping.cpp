@@ -1,6 +1,5 @@
 #include "velmora/config/mapping.hpp"
 
-#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -22,7 +21,7 @@ constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
 class Index {
 public:
     Index() = default;
-    explicit Index(std::size_t slots) : slots_(slots) {}
+    explicit Index(std::size_t power_of_two) : slots_(power_of_two) {}
 
     // Searching stays short as long as half of the slots are free.
     bool has_room_for(std::size_t positions) const noexcept {
@@ -52,7 +51,7 @@ private:
 
     std::size_t last_slot() const noexcept { return slots_.size() - 1; }
 
-    std::vector<Slot> slots_;  // As many as a power of two.
+    std::vector<Slot> slots_;
 };
 
 // NaN, which equals nothing, is never found.
@@ -114,7 +113,7 @@ private:
     static constexpr std::size_t searched_one_by_one = 8;
 
     void reindex() {
-        Index grown(std::bit_ceil(4 * entries.size()));
+        Index grown(4 * entries.size());  // A power of two, as that size is: 8, 16, 32 ...
         for (std::size_t i = 0; i < entries.size(); ++i) {
             if (may_be_found(entries[i].key)) grown.insert(entries[i].key.hash(), i);
         }

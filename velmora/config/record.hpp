@@ -59,7 +59,7 @@ public:
     void set(std::string_view field, FieldValue value);
 
     /// Of one type, and equal in every field.
-    friend bool operator==(const Record& a, const Record& b);
+    VELMORA_EXPORT friend bool operator==(const Record& a, const Record& b);
     friend std::string display(const Record& record);
 
 private:

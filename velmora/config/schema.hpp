@@ -63,7 +63,7 @@ public:
     ConfigValue coerce(const ConfigValue& value) const;
 
     /// Equal in all six fields.
-    friend bool operator==(const Key& a, const Key& b);
+    VELMORA_EXPORT friend bool operator==(const Key& a, const Key& b);
 
 private:
     std::string section_;
@@ -98,7 +98,7 @@ public:
     Record read(const ConfigValue& data) const;
 
     /// Equal in all four fields.
-    friend bool operator==(const Section& a, const Section& b);
+    VELMORA_EXPORT friend bool operator==(const Section& a, const Section& b);
 
 private:
     utils::NotNull<std::string> name_;

@@ -52,13 +52,8 @@ private:
 /// Owns an object, together with all copies of the handle; empty once moved from.
 class Handle {
 public:
-    explicit Handle(Shared* object) noexcept : object_(object), counted_(true) {
-        object_->acquire();
-    }
-    Handle(const Handle& other) noexcept
-        : object_(other.object_), counted_(other.object_ != nullptr) {
-        if (counted_) object_->acquire();
-    }
+    explicit Handle(Shared* object) noexcept : object_(object) { object_->acquire(); }
+    Handle(const Handle& other) noexcept : Handle(other.object_) {}
     Handle(Handle&& other) noexcept
         : object_(std::exchange(other.object_, nullptr)),
           counted_(std::exchange(other.counted_, false)) {}
@@ -77,12 +72,12 @@ private:
     friend class Adding;
 
     Shared* object_;
-    bool counted_;
+    bool counted_ = true;
 };
 
 /// The adding of a handle to an object, in two steps: what may fail comes before the object is
 /// changed.
-class VELMORA_EXPORT Adding {
+class Adding {
 public:
     /// Finds the groups on all ways from the child, which null stands for when there is none, back
     /// to `object`. Takes a walk through all that the child reaches when there are handles of the

@@ -1,6 +1,5 @@
 #include "velmora/utils/hash.hpp"
 
-#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <functional>
@@ -34,14 +33,14 @@ std::size_t hash_integer(std::int64_t value) noexcept {
 
 std::size_t hash_text(std::string_view text) noexcept {
     std::uint64_t hash = process_seed() + text.size();
-    while (!text.empty()) {
-        std::uint64_t block = 0;
-        const std::size_t size = std::min(text.size(), sizeof block);
-        std::memcpy(&block, text.data(), size);
+    std::uint64_t block = 0;
+    for (; text.size() >= sizeof block; text.remove_prefix(sizeof block)) {
+        std::memcpy(&block, text.data(), sizeof block);
         hash = mixed(hash ^ block);
-        text.remove_prefix(size);
     }
-    return static_cast<std::size_t>(hash);
+    block = 0;
+    for (const char c : text) block = block << 8U | static_cast<unsigned char>(c);
+    return static_cast<std::size_t>(mixed(hash ^ block));
 }
 
 std::size_t hash_mix(std::size_t seed, std::size_t next) noexcept {

@@ -38,7 +38,7 @@ std::string did_you_mean(std::string_view name, const std::vector<std::string_vi
     std::size_t least = most + 1;
     std::string_view nearest;
     for (const std::string_view each : known) {
-        const auto [shorter, longer] = std::minmax(name.size(), each.size());
+        const auto [shorter, longer] = std::minmax({name.size(), each.size()});
         if (longer - shorter >= least) continue;
         const std::size_t distance = edit_distance(name, each);
         if (distance >= least) continue;

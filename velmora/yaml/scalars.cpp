@@ -1,6 +1,7 @@
 #include "velmora/yaml/scalars.hpp"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
 
@@ -58,8 +59,9 @@ void append_hex_escape(Cursor& at, std::size_t digits, std::string& out) {
 // Reads what stands behind a backslash.
 void append_escape(Cursor& at, std::string& out) {
     constexpr std::string_view letters = "0abtnvfre \"/\\N_LP\t";
-    constexpr char32_t codes[] = {0,   '\a', '\b', '\t', '\n', '\v', '\f',   '\r',   0x1b,
-                                  ' ', '"',  '/',  '\\', 0x85, 0xa0, 0x2028, 0x2029, '\t'};
+    constexpr std::array<char32_t, letters.size()> codes = {0,    '\a', '\b', '\t',   '\n',   '\v',
+                                                            '\f', '\r', 0x1b, ' ',    '"',    '/',
+                                                            '\\', 0x85, 0xa0, 0x2028, 0x2029, '\t'};
     const char letter = at.peek();
     ++at.pos;
     if (const std::size_t i = letters.find(letter); i != std::string_view::npos) {
@@ -158,7 +160,6 @@ std::string read_plain(Cursor& at, const Place& place) {
 
         Cursor next = at;
         next.skip_white();
-        if (!next.at_line_end()) return out;
         const std::size_t line_ends = skip_line_ends(next, place.indent);
         if (next.at_end() || next.spaces <= place.indent || ends_at(next.pos)) return out;
         append_fold(out, line_ends);

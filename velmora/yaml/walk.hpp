@@ -51,9 +51,6 @@ public:
     /// Ends the document.
     void finish();
 
-    /// How far the walk has come.
-    std::size_t offset() const noexcept { return at_.pos; }
-
 private:
     enum class Kind { block_list, block_mapping, flow_list, flow_mapping, pair };
 
@@ -68,12 +65,12 @@ private:
         std::size_t key = 0;  // Where the key begins.
     };
 
-    // Where the next node may be.
+    // Where the next node may be, and in which forms.
     struct Slot : Place {
         bool compact = false;         // Whether a block may begin on the line of its indicator.
         bool list_outdented = false;  // Whether a list may be in the column of its mapping.
-        bool absent = false;          // Whether its sign is missing, which makes it null.
-        bool filled = false;          // Whether there must be something.
+        bool absent = false;          // Whether the ":" before it is missing, which makes it null.
+        bool filled = false;          // Whether nothing at all would be a fault.
     };
 
     bool begins_line_at(int column) const;
@@ -109,7 +106,7 @@ private:
     const Document& document_;
     std::vector<Level> levels_;
     bool quoted_ = false;          // Whether the last node ends in a quote or a bracket.
-    std::size_t quoted_only_ = 0;  // How many of the source's characters it was in quotes so far.
+    std::size_t quoted_only_ = 0;  // How many of Source::quoted_only are behind the walk.
 };
 
 }  // namespace velmora::yaml

@@ -23,7 +23,8 @@ namespace {
 // What to do about an error of yaml-cpp.
 std::string_view advice_on(std::string_view message) {
     namespace Their = YAML::ErrorMsg;
-    const std::pair<std::string_view, std::string_view> all[] = {
+    using Advice = std::pair<std::string_view, std::string_view>;
+    const std::array<Advice, 19> all = {{
         {Their::END_OF_MAP,
          "this is no 'key: value' of the mapping above: mend it, its indentation, or the quotes "
          "before it"},
@@ -47,7 +48,7 @@ std::string_view advice_on(std::string_view message) {
         {Their::ALIAS_NOT_FOUND, advice::name},
         {Their::TAG_WITH_NO_SUFFIX, advice::name},
         {Their::CHAR_IN_TAG_HANDLE, advice::name},
-    };
+    }};
     for (const auto& [theirs, ours] : all) {
         if (message == theirs) return ours;
     }

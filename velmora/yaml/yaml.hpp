@@ -36,7 +36,8 @@
 //   themselves or are keys alike in size and first items;
 // - 2 GiB of text or more;
 // - a few rare forms that yaml-cpp, on which this is built, does not understand: a key in braces
-//   whose ":" is on another line, and an empty key behind an empty value.
+//   whose ":" is on another line, an empty key behind an empty value, and in a list a plain text of
+//   several lines behind an anchor or a tag.
 #pragma once
 
 #include <cstddef>

@@ -40,6 +40,38 @@ TEST(Bound, AdmitsExactlyWhatItsTextSays) {
               "OverflowError: integer too large for a floating-point number");
 }
 
+TEST(Bound, ComparesExactlyWhateverItsEndsAre) {
+    constexpr auto most = std::numeric_limits<std::int64_t>::max();
+    const Number numbers[] = {-inf,
+                              -0x1p63,
+                              -most - 1,
+                              -0x1p53 - 2,
+                              -(1LL << 53) - 1,
+                              -1,
+                              -0.5,
+                              0,
+                              -0.0,
+                              1,
+                              1.5,
+                              0x1p53,
+                              (1LL << 53) + 1,
+                              most - 1,
+                              most,
+                              0x1p63,
+                              Integer::truncated(1e20),
+                              1e20,
+                              inf,
+                              test::nan};
+    for (const Number& low : numbers) {
+        for (const Number& high : numbers) {
+            for (const Number& value : numbers) {
+                EXPECT_EQ(Bound(low, high).admits(value), value >= low && value <= high) << low << high << value;
+                EXPECT_EQ(Bound(low, {.low_open = true}).admits(value), value > low) << low << value;
+            }
+        }
+    }
+}
+
 TEST(Bound, IsEqualByValueAndShowsItsFields) {
     EXPECT_EQ(Bound(0, 1), Bound(0.0, {.high = 1.0}));
     EXPECT_EQ(std::hash<Bound>{}(Bound(0, 1)), std::hash<Bound>{}(Bound(0.0, 1.0)));

@@ -50,8 +50,11 @@ TEST(Number, OrdersIntegersAndDoublesExactly) {
         EXPECT_EQ(a <=> nan, std::partial_ordering::unordered) << a;
     }
     EXPECT_NE(Number(nan), Number(nan));
-    const std::pair<Number, double> equal[] = {
-        {0, -0.0}, {integer("-9223372036854775808"), -0x1p63}, {integer("9223372036854775808"), 0x1p63}, {0.5, 0.5}};
+    const std::pair<Number, double> equal[] = {{0, -0.0},
+                                               {integer("-9223372036854775808"), -0x1p63},
+                                               {integer("9223372036854775808"), 0x1p63},
+                                               {0.5, 0.5},
+                                               {test::inf, test::inf}};
     for (const auto& [a, b] : equal) {
         EXPECT_EQ(a, b);
         EXPECT_EQ(a.hash(), Number(b).hash()) << a;

@@ -81,6 +81,7 @@ TEST_F(Logging, FallsBackToOneLineOnStandardError) {
         logger("test.stderr").log(level, "keeping %s", argument);
         return testing::internal::GetCapturedStderr();
     };
+    EXPECT_EQ(std::string(name_of(Level::debug)).append(name_of(Level::info)), "debuginfo");
     set_sink([](const LogRecord&) { throw std::runtime_error("full"); });
     EXPECT_EQ(written(Level::error, "two\nlines\xff"), "test.stderr: error: keeping two\\nlines\\udcff\n");
     set_sink({});

@@ -61,6 +61,7 @@ TEST(Unicode, KnowsWhatIsPrintableAndWhiteSpace) {
     EXPECT_EQ(white, 25);
     EXPECT_EQ(trimmed("\u3000 \ta b\u00a0\u2029\x85"), "a b\u00a0\u2029\x85") << "a stray byte is no white space";
     EXPECT_EQ(trimmed("\u2003\u1680"), "");
+    EXPECT_EQ(trimmed(std::string_view("\xe2\x80\x80").substr(1)), "\x80\x80");
 }
 
 TEST(TextValues, ReadFlagsAndLists) {

@@ -1,5 +1,6 @@
 #include "velmora/config/bound.hpp"
 
+#include <limits>
 #include <ostream>
 
 #include "velmora/config/display.hpp"
@@ -16,9 +17,40 @@ Number number_of(const ConfigValue& value) {
     throw TypeError("a bound cannot be compared with " + _shown(value) + ", which is no number");
 }
 
+std::optional<std::int64_t> small_integer(const Number& number) {
+    const Integer* integer = number.if_integer();
+    return integer != nullptr ? integer->as<std::int64_t>() : std::nullopt;
+}
+
+// Nothing when no double is the very number.
+std::optional<double> exact_double(const Number& number) {
+    if (const double* real = number.if_double()) return *real;
+    constexpr std::int64_t largest = std::int64_t{1} << 53U;
+    const auto integer = small_integer(number);
+    if (!integer || *integer > largest || *integer < -largest) return std::nullopt;
+    return static_cast<double>(*integer);
+}
+
 }  // namespace
 
+void Bound::settle() {
+    constexpr auto greatest = std::numeric_limits<std::int64_t>::max();
+    const auto low = small_integer(low_);
+    const auto high = high_ ? small_integer(*high_) : greatest;
+    if (low && high && *low < greatest) integers_ = {*low + (low_open_ ? 1 : 0), *high};
+    const auto lower = exact_double(low_);
+    const auto upper = high_ ? exact_double(*high_) : std::numeric_limits<double>::infinity();
+    if (lower && upper) doubles_ = {*lower, *upper};
+}
+
 bool Bound::admits(const ConfigValue& value) const {
+    const auto* integer = integers_ ? value.get_if<Integer>() : nullptr;
+    if (const auto whole = integer != nullptr ? integer->as<std::int64_t>() : std::nullopt)
+        return *whole >= integers_->first && *whole <= integers_->second;
+    if (const auto* real = doubles_ ? value.get_if<double>() : nullptr) {
+        const bool high_enough = low_open_ ? *real > doubles_->first : *real >= doubles_->first;
+        return high_enough && *real <= doubles_->second;
+    }
     const Number number = number_of(value);
     if (!(low_open_ ? number > low_ : number >= low_)) return false;
     return !high_ || number <= *high_;

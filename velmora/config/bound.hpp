@@ -2,6 +2,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstdint>
 #include <functional>
 #include <iosfwd>
 #include <optional>
@@ -26,7 +27,9 @@ class VELMORA_EXPORT Bound {
 public:
     template <std::same_as<bool> Flag = bool>
     explicit Bound(Number low, std::optional<Number> high = std::nullopt, Flag low_open = false)
-        : low_(std::move(low)), high_(std::move(high)), low_open_(low_open) {}
+        : low_(std::move(low)), high_(std::move(high)), low_open_(low_open) {
+        settle();
+    }
     Bound(Number low, BoundOptions options)
         : Bound(std::move(low), std::move(options.high), options.low_open) {}
 
@@ -42,12 +45,20 @@ public:
     /// OverflowError when an end is an integer beyond the range of doubles.
     std::string text() const;
 
-    friend bool operator==(const Bound& a, const Bound& b) = default;
+    friend bool operator==(const Bound& a, const Bound& b) {
+        return a.low_ == b.low_ && a.high_ == b.high_ && a.low_open_ == b.low_open_;
+    }
 
 private:
+    void settle();
+
     Number low_;
     std::optional<Number> high_;
     bool low_open_;
+    /// The same range, where built-in numbers say it exactly: the least and the greatest integer,
+    /// and the two ends as doubles.
+    std::optional<std::pair<std::int64_t, std::int64_t>> integers_ = std::nullopt;
+    std::optional<std::pair<double, double>> doubles_ = std::nullopt;
 };
 
 inline const Bound POSITIVE(0, {.low_open = true});

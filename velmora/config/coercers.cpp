@@ -1,6 +1,7 @@
 #include "velmora/config/coercers.hpp"
 
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <optional>
 #include <stdexcept>
@@ -37,12 +38,14 @@ std::optional<std::string_view> without_underscores(std::string_view text, std::
 }
 
 std::optional<Integer> read_integer(std::string_view text) {
+    if (auto plain = Integer::parse(text)) return plain;
     std::string storage;
     const auto digits = without_underscores(utils::trimmed(text), storage);
     return digits ? Integer::parse(*digits) : std::nullopt;
 }
 
 std::optional<double> read_float(std::string_view text) {
+    if (const auto plain = parse_decimal(text)) return plain;
     std::string storage;
     const auto plain = without_underscores(utils::trimmed(text), storage);
     if (!plain) return std::nullopt;
@@ -112,7 +115,7 @@ ConfigValue _coerce_number(const ConfigValue& value, KeyKind kind) {
         throw ValueError(display(value) + " is not a finite number");
     if (whole) {
         Integer integer = to_integer(value);
-        (void)finite_double(integer, value);
+        if (!integer.as<std::int64_t>()) (void)finite_double(integer, value);
         return integer;
     }
     const double real = to_double(value);
@@ -126,15 +129,12 @@ ConfigValue _coerce_text(const ConfigValue& value) {
 }
 
 ConfigValue _coerce_list(const ConfigValue& value) {
+    if (const auto* text = value.get_if<std::string>()) return List(utils::split_csv(*text));
+    const auto* list = value.get_if<List>();
+    if (list == nullptr) refuse_interpreting(value, "list");
     std::vector<ConfigValue> items;
-    if (const auto* list = value.get_if<List>()) {
-        items.reserve(list->size());
-        for (const ConfigValue& item : *list) items.emplace_back(plain_text(item));
-    } else if (const auto* text = value.get_if<std::string>()) {
-        for (std::string& item : utils::split_csv(*text)) items.emplace_back(std::move(item));
-    } else {
-        refuse_interpreting(value, "list");
-    }
+    items.reserve(list->size());
+    for (const ConfigValue& item : *list) items.emplace_back(plain_text(item));
     return List(std::move(items));
 }
 

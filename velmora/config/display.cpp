@@ -8,6 +8,7 @@
 #include <unordered_set>
 
 #include "velmora/utils/quoting.hpp"
+#include "velmora/utils/unicode.hpp"
 
 namespace velmora::config {
 
@@ -38,10 +39,16 @@ public:
 
     void write(const ConfigValue& value) {
         begin(value);
-        while (!open_.empty() && out_.size() < enough_) go_on();
+        while (!open_.empty() && !is_enough()) go_on();
     }
 
 private:
+    // Of a form that is to be cut, one character more than is kept.
+    bool is_enough() const {
+        return enough_ != std::string::npos && out_.size() > utils::shown_characters &&
+               utils::prefix_size(out_, utils::shown_characters) < out_.size();
+    }
+
     // A list or mapping that is being written. Of a mapping, keys and values take turns as
     // children.
     struct Open {
@@ -49,7 +56,7 @@ private:
         const ConfigValue* items;
         const Mapping::Entry* entries;
         std::size_t children;
-        const void* identity;
+        const void* identity;  // Null for what does not contain itself.
         std::size_t next = 0;
 
         const ConfigValue& child() const {
@@ -69,15 +76,20 @@ private:
     void begin_held(double real) { append_double(out_, real); }
     void begin_held(const std::string& text) { utils::append_quoted(out_, text, enough_); }
     void begin_held(const List& list) {
-        begin_children("[", "[...]", {true, list.begin(), nullptr, list.size(), list.identity()});
+        begin_children("[", "[...]", {true, list.begin(), nullptr, list.size(), identity_of(list)});
     }
     void begin_held(const Mapping& mapping) {
         begin_children("{", "{...}",
-                       {false, nullptr, mapping.begin(), 2 * mapping.size(), mapping.identity()});
+                       {false, nullptr, mapping.begin(), 2 * mapping.size(), identity_of(mapping)});
+    }
+
+    template <class T>
+    static const void* identity_of(const T& object) {
+        return object.may_contain_itself() ? object.identity() : nullptr;
     }
 
     void begin_children(std::string_view bracket, std::string_view again, Open open) {
-        if (!identities_.insert(open.identity).second) {
+        if (open.identity != nullptr && !identities_.insert(open.identity).second) {
             out_ += again;
             return;
         }
@@ -89,7 +101,7 @@ private:
         Open& open = open_.back();
         if (open.next == open.children) {
             out_ += open.list ? ']' : '}';
-            identities_.erase(open.identity);
+            if (open.identity != nullptr) identities_.erase(open.identity);
             open_.pop_back();
             return;
         }

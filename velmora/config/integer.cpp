@@ -30,19 +30,21 @@ std::errc read_whole(std::string_view text, N& value) noexcept {
 }  // namespace
 
 std::optional<Integer> Integer::parse(std::string_view text) {
-    const bool negative = utils::take_sign(text);
-    if (text.empty() || !std::all_of(text.begin(), text.end(), utils::is_digit))
-        return std::nullopt;
-    text.remove_prefix(std::min(text.find_first_not_of('0'), text.size() - 1));
-
-    std::string spelled;
-    spelled.reserve(text.size() + 1);
-    if (negative) spelled += '-';
-    spelled += text;
+    std::string_view digits = text;
+    const bool negative = utils::take_sign(digits);
+    // std::from_chars takes a "-", but no "+", and no sign behind one.
+    if (digits.empty() || !utils::is_digit(digits.front())) return std::nullopt;
+    const std::string_view read = negative ? text : digits;
     Integer result;
-    if (read_whole(spelled, result.small_) != std::errc()) {
-        result.large_ = std::make_shared<const std::string>(std::move(spelled));
-    }
+    const auto [end, error] =
+        std::from_chars(read.data(), read.data() + read.size(), result.small_);
+    if (end != read.data() + read.size()) return std::nullopt;
+    if (error == std::errc()) return result;
+    digits.remove_prefix(digits.find_first_not_of('0'));
+    std::string spelled;
+    spelled.reserve(digits.size() + 1);
+    if (negative) spelled += '-';
+    result.large_ = std::make_shared<const std::string>(std::move(spelled += digits));
     return result;
 }
 
@@ -79,9 +81,11 @@ std::string Integer::text() const {
 void Integer::append_text(std::string& out, std::size_t most) const {
     if (large_) {
         out.append(*large_, 0, most);
-    } else {
-        out.append(std::to_string(small_), 0, most);
+        return;
     }
+    std::array<char, 20> text;  // A sign and the 19 digits of 2^63.
+    const auto [end, error] = std::to_chars(text.data(), text.data() + text.size(), small_);
+    out.append(text.data(), std::min(static_cast<std::size_t>(end - text.data()), most));
 }
 
 std::size_t Integer::hash() const noexcept {

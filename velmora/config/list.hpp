@@ -74,6 +74,9 @@ public:
     /// An address that all handles of one list, and no others, have in common.
     const void* identity() const noexcept { return handle_.get(); }
 
+    /// Whether the list may contain itself, directly or through others; false for most.
+    bool may_contain_itself() const noexcept { return handle_.get()->was_on_circle(); }
+
     /// As ConfigValue's.
     VELMORA_EXPORT friend bool operator==(const List& a, const List& b);
 

@@ -67,6 +67,9 @@ public:
     /// An address that all handles of one mapping, and no others, have in common.
     const void* identity() const noexcept { return handle_.get(); }
 
+    /// Whether the mapping may contain itself, directly or through others; false for most.
+    bool may_contain_itself() const noexcept { return handle_.get()->was_on_circle(); }
+
     /// As ConfigValue's.
     VELMORA_EXPORT friend bool operator==(const Mapping& a, const Mapping& b);
 

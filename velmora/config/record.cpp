@@ -35,20 +35,23 @@ thread_local int Level::levels_ = 0;
 
 }  // namespace
 
-FieldValue detail::RecordDraft::default_of(const FieldDecl& field) const {
-    if (const ConfigValue* value = field.default_value()) return *value;
-    if (const DefaultFactory* make = field.default_factory()) {
+void detail::RecordDraft::take_default(std::size_t position) {
+    const FieldDecl& field = type_.fields()[position];
+    if (const ConfigValue* value = field.default_value()) {
+        values_[position].held_.emplace<ConfigValue>(*value);
+    } else if (const DefaultFactory* make = field.default_factory()) {
         const Level level(type_);
-        return (*make)();
+        values_[position] = (*make)();
+    } else {
+        throw TypeError(type_.name() + " needs a value for its field " +
+                        utils::quoted_text(field.name()));
     }
-    throw TypeError(type_.name() + " needs a value for its field " +
-                    utils::quoted_text(field.name()));
 }
 
 Record detail::RecordDraft::finish() && {
     for (std::size_t i = 0; i < values_.size(); ++i) {
         const bool given = !std::holds_alternative<std::monostate>(values_[i].held_);
-        if (!given) values_[i] = default_of(type_.fields()[i]);
+        if (!given) take_default(i);
     }
     return {std::move(type_), std::move(values_), std::move(section_)};
 }

@@ -30,7 +30,7 @@ public:
     Record finish() &&;
 
 private:
-    FieldValue default_of(const FieldDecl& field) const;
+    void take_default(std::size_t position);
 
     RecordType type_;
     std::vector<FieldValue> values_;

@@ -53,6 +53,7 @@ void Adding::finish(Handle* added) noexcept {
     const auto stop_counting_within = [&](Handle& handle) {
         if (handle.object_->leader_ != &leader_ || !handle.counted_) return;
         handle.counted_ = false;
+        handle.object_->was_on_circle_ = true;
         --leader_.handles_;
     };
     for (Shared* group : groups_) {

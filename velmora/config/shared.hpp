@@ -29,6 +29,9 @@ public:
         if (leader_->handles_.fetch_sub(1, std::memory_order_acq_rel) == 1) leader_->free_group();
     }
 
+    /// Whether the object has ever been on a circle: no other is reached from itself.
+    bool was_on_circle() const noexcept { return was_on_circle_; }
+
 protected:
     Shared() = default;
     virtual ~Shared() = default;
@@ -43,6 +46,7 @@ private:
 
     void free_group() noexcept;
 
+    bool was_on_circle_ = false;
     std::atomic<std::size_t> handles_ = 0;  ///< The counted ones of the group, kept by its leader.
     Shared* leader_ = this;
     Shared* next_ = this;  ///< The next member: the last one's is the first. When freed, the next

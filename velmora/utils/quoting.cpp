@@ -1,8 +1,9 @@
 #include "velmora/utils/quoting.hpp"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <utility>
 
 #include "velmora/utils/unicode.hpp"
@@ -11,59 +12,80 @@ namespace velmora::utils {
 
 namespace {
 
-constexpr std::uint64_t every_byte(unsigned char byte) noexcept {
-    return 0x0101010101010101U * byte;
+// No character takes more bytes than this, escaped or not.
+constexpr std::size_t most_bytes = 10;
+
+constexpr char* write_hex(char* to, char letter, char32_t code, unsigned digits) noexcept {
+    *to++ = '\\';
+    *to++ = letter;
+    while (digits-- > 0) *to++ = "0123456789abcdef"[code >> 4U * digits & 0xfU];
+    return to;
 }
 
-// Non-zero when a byte of `word` is zero; the well-known bit trick of Mycroft.
-constexpr std::uint64_t has_zero(std::uint64_t word) noexcept {
-    return (word - every_byte(0x01)) & ~word & every_byte(0x80);
-}
-
-// Whether each of eight bytes is ASCII and is shown as it is between `quote`s.
-bool all_plain(const char* bytes, char quote) noexcept {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, sizeof word);
-    const std::uint64_t control = (word - every_byte(0x20)) & ~word & every_byte(0x80);
-    const std::uint64_t beyond_ascii = word & every_byte(0x80);
-    return (control | beyond_ascii | has_zero(word ^ every_byte(0x7f)) |
-            has_zero(word ^ every_byte('\\')) |
-            has_zero(word ^ every_byte(static_cast<unsigned char>(quote)))) == 0;
-}
-
-void append_hex(std::string& out, char letter, char32_t code, unsigned digits) {
-    out += '\\';
-    out += letter;
-    while (digits-- > 0) out += "0123456789abcdef"[code >> 4U * digits & 0xfU];
-}
-
-void append_escaped(std::string& out, char32_t code) {
-    switch (code) {
-        case '\t':
-            out += "\\t";
-            return;
-        case '\n':
-            out += "\\n";
-            return;
-        case '\r':
-            out += "\\r";
-            return;
-        case '\\':
-            out += "\\\\";
-            return;
-        case '\'':
-            out += "\\'";
-            return;
-        default:
-            break;
+// Writes the escape of a character and returns the end of it.
+constexpr char* write_escaped(char* to, char32_t code) noexcept {
+    constexpr std::string_view named = "\t\n\r\\'";
+    const std::size_t name =
+        code < 0x80 ? named.find(static_cast<char>(code)) : std::string_view::npos;
+    if (name != std::string_view::npos) {
+        *to++ = '\\';
+        *to++ = "tnr\\'"[name];
+        return to;
     }
-    if (code <= 0xff) {
-        append_hex(out, 'x', code, 2);
-    } else if (code <= 0xffff) {
-        append_hex(out, 'u', code, 4);
-    } else {
-        append_hex(out, 'U', code, 8);
+    if (code <= 0xff) return write_hex(to, 'x', code, 2);
+    if (code <= 0xffff) return write_hex(to, 'u', code, 4);
+    return write_hex(to, 'U', code, 8);
+}
+
+// How a character of ASCII is written.
+struct Form {
+    std::array<char, 4> bytes;
+    std::uint8_t size;
+};
+using Forms = std::array<Form, 0x80>;
+
+constexpr Forms forms_between(char quote) {
+    Forms forms{};
+    for (char32_t code = 0; code < forms.size(); ++code) {
+        const auto c = static_cast<char>(code);
+        Form& form = forms[code];
+        const bool plain = c >= ' ' && c < 0x7f && c != '\\' && c != quote;
+        form.bytes[0] = c;
+        form.size = 1;
+        if (!plain) {
+            char* const start = form.bytes.data();
+            form.size = static_cast<std::uint8_t>(write_escaped(start, code) - start);
+        }
     }
+    return forms;
+}
+
+constexpr Forms forms_between_single = forms_between('\'');
+constexpr Forms forms_between_double = forms_between('"');
+
+constexpr std::size_t block = 64;
+constexpr std::size_t still_in_cache = 128 * block;
+
+// Whether a block is ASCII and shown as it is: simple enough for compilers to test many bytes at
+// once.
+bool is_plain_block(const char* bytes, char quote) noexcept {
+    unsigned char other = 0;
+    for (std::size_t i = 0; i < block; ++i) {
+        // U+007F and what is beyond ASCII become negative or nearly so.
+        const auto next = static_cast<signed char>(bytes[i] + 1);
+        other |=
+            static_cast<unsigned char>((next <= ' ') | (bytes[i] == '\\') | (bytes[i] == quote));
+    }
+    return other == 0;
+}
+
+// Writes the character at `at`, which is beyond ASCII, and moves behind it.
+char* write_beyond_ascii(char* to, std::string_view text, std::size_t& at) noexcept {
+    const Character character = first_character(text.substr(at));
+    const std::string_view bytes = text.substr(at, character.size);
+    at += character.size;
+    if (!is_printable(character.code)) return write_escaped(to, character.code);
+    return std::copy(bytes.begin(), bytes.end(), to);
 }
 
 char quote_for(std::string_view text) noexcept {
@@ -80,26 +102,31 @@ void append_quoted(std::string& out, std::string_view text, std::size_t enough) 
     const std::size_t end = std::min(text.size(), enough - out.size());
     if (out.empty()) out.reserve(end + 2);
     out += quote;
-    std::size_t copied = 0;
-    std::size_t at = 0;
-    while (at < end) {
-        if (end - at >= 8 && all_plain(text.data() + at, quote)) {
-            at += 8;
+    const Forms& forms = quote == '"' ? forms_between_double : forms_between_single;
+    std::array<char, 4 * block * most_bytes> written;
+    for (std::size_t at = 0; at < end;) {
+        std::size_t plain = at;
+        const std::size_t last = std::min(end, at + still_in_cache);
+        while (last - plain >= block && is_plain_block(text.data() + plain, quote)) plain += block;
+        if (plain > at) {
+            out.append(text, at, plain - at);
+            at = plain;
             continue;
         }
-        for (const std::size_t stop = std::min(at + 8, end); at < stop;) {
-            const Character character = first_character(text.substr(at));
-            const bool plain = is_printable(character.code) && character.code != U'\\' &&
-                               character.code != static_cast<unsigned char>(quote);
-            if (!plain) {
-                out.append(text, copied, at - copied);
-                append_escaped(out, character.code);
-                copied = at + character.size;
+        char* to = written.data();
+        for (const std::size_t stop = std::min(at + 4 * block, end); at < stop;) {
+            const auto code = static_cast<unsigned char>(text[at]);
+            if (code >= forms.size()) {
+                to = write_beyond_ascii(to, text, at);
+                continue;
             }
-            at += character.size;
+            // All four bytes, of which the next ones take the place of those too many.
+            to = std::copy(forms[code].bytes.begin(), forms[code].bytes.end(), to);
+            to -= forms[code].bytes.size() - forms[code].size;
+            ++at;
         }
+        out.append(written.data(), to);
     }
-    out.append(text, copied, at - copied);
     out += quote;
 }
 
@@ -116,7 +143,8 @@ std::string one_line(std::string_view text) {
         if (is_printable(character.code)) {
             out += text.substr(0, character.size);
         } else {
-            append_escaped(out, character.code);
+            std::array<char, most_bytes> escaped;
+            out.append(escaped.data(), write_escaped(escaped.data(), character.code));
         }
         text.remove_prefix(character.size);
     }

@@ -48,10 +48,10 @@ def main():
     ]
     print(f"// Printable code points of Unicode {version}. Made by tools/unicode_table.py; do not edit.")
     print("// clang-format off")
-    print(f"constexpr std::array<std::uint8_t, {len(index)}> block_of = {{")
+    print(f"inline constexpr std::array<std::uint8_t, {len(index)}> block_of = {{")
     print("\n".join("    " + row for row in rows([str(i) for i in index], 32)))
     print("};")
-    print(f"constexpr std::array<std::uint64_t, {len(words)}> printable_bits = {{")
+    print(f"inline constexpr std::array<std::uint64_t, {len(words)}> printable_bits = {{")
     print("\n".join("    " + row for row in rows(words, 4)))
     print("};")
     print("// clang-format on")

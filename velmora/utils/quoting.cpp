@@ -6,7 +6,8 @@
 #include <cstdint>
 #include <utility>
 
-#include "velmora/utils/unicode.hpp"
+#include "velmora/utils/texts.hpp"
+#include "velmora/utils/unicode_inline.hpp"
 
 namespace velmora::utils {
 
@@ -37,10 +38,15 @@ constexpr char* write_escaped(char* to, char32_t code) noexcept {
     return write_hex(to, 'U', code, 8);
 }
 
+// Whether a byte, or what several have in common, is of ASCII.
+constexpr bool is_ascii(int bits) noexcept {
+    return (bits & 0x80) == 0;
+}
+
 // How a character of ASCII is written.
 struct Form {
     std::array<char, 4> bytes;
-    std::uint8_t size;
+    std::uint32_t size;
 };
 using Forms = std::array<Form, 0x80>;
 
@@ -54,7 +60,7 @@ constexpr Forms forms_between(char quote) {
         form.size = 1;
         if (!plain) {
             char* const start = form.bytes.data();
-            form.size = static_cast<std::uint8_t>(write_escaped(start, code) - start);
+            form.size = static_cast<std::uint32_t>(write_escaped(start, code) - start);
         }
     }
     return forms;
@@ -63,69 +69,92 @@ constexpr Forms forms_between(char quote) {
 constexpr Forms forms_between_single = forms_between('\'');
 constexpr Forms forms_between_double = forms_between('"');
 
+// Other than zero for a character that may be escaped: double quotes are none, they only enclose
+// texts without any. Has no branches.
+constexpr auto may_be_escaped = [](char c) noexcept {
+    // U+007F and what is beyond ASCII become negative or nearly so.
+    const auto next = static_cast<signed char>(c + 1);
+    return (next <= ' ') | (c == '\\') | (c == '\'');
+};
+
 constexpr std::size_t block = 64;
 constexpr std::size_t still_in_cache = 128 * block;
 
-// Whether a block is ASCII and shown as it is: simple enough for compilers to test many bytes at
-// once.
-bool is_plain_block(const char* bytes, char quote) noexcept {
-    unsigned char other = 0;
-    for (std::size_t i = 0; i < block; ++i) {
-        // U+007F and what is beyond ASCII become negative or nearly so.
-        const auto next = static_cast<signed char>(bytes[i] + 1);
-        other |=
-            static_cast<unsigned char>((next <= ' ') | (bytes[i] == '\\') | (bytes[i] == quote));
+// The bytes at the beginning of `text` that are plain, in blocks of which only the last one of all
+// may be smaller.
+std::size_t plain_size(std::string_view text) noexcept {
+    std::size_t size = std::min(text.size(), block);
+    if (any_byte(text.substr(0, size), may_be_escaped)) return 0;
+    for (const std::size_t step : {16 * block, block}) {
+        while (size < text.size()) {
+            const std::string_view next = text.substr(size, step);
+            if (any_byte(next, may_be_escaped)) break;
+            size += next.size();
+        }
     }
-    return other == 0;
+    return size;
 }
 
-// Writes the character at `at`, which is beyond ASCII, and moves behind it.
-char* write_beyond_ascii(char* to, std::string_view text, std::size_t& at) noexcept {
-    const Character character = first_character(text.substr(at));
-    const std::string_view bytes = text.substr(at, character.size);
-    at += character.size;
-    if (!is_printable(character.code)) return write_escaped(to, character.code);
-    return std::copy(bytes.begin(), bytes.end(), to);
+// Appends the plain blocks at the beginning of `text` and returns their size.
+std::size_t append_plain(std::string& out, std::string_view text) {
+    std::size_t done = 0;
+    for (std::size_t size = still_in_cache; size == still_in_cache; done += size) {
+        size = plain_size(text.substr(done, still_in_cache));
+        out.append(text, done, size);
+    }
+    return done;
 }
 
-char quote_for(std::string_view text) noexcept {
-    const bool single = text.find('\'') != std::string_view::npos;
+// Appends the characters that begin in the first `most` bytes of `text`, or a few blocks of them,
+// as they stand between these quotes. Returns their size.
+std::size_t append_escaped(std::string& out, std::string_view text, std::size_t most, char quote) {
+    const Forms& forms = quote == '"' ? forms_between_double : forms_between_single;
+    constexpr std::size_t few = 4 * block;
+    std::array<char, few * most_bytes> written;
+    char* to = written.data();
+    const auto write = [&to, &forms](char c) {
+        // All four bytes, of which the next ones take the place of those too many.
+        const Form& form = forms[static_cast<unsigned char>(c)];
+        std::copy(form.bytes.begin(), form.bytes.end(), to);
+        to += form.size;
+    };
+    const char* from = text.data();
+    const char* const stop = from + std::min(few, most);
+    while (from < stop) {
+        for (; stop - from >= 4 && is_ascii(from[0] | from[1] | from[2] | from[3]); from += 4)
+            write(from[0]), write(from[1]), write(from[2]), write(from[3]);
+        for (; from < stop && is_ascii(*from); ++from) write(*from);
+        while (from < stop && !is_ascii(*from)) {
+            const auto [code, size] = detail::first_character({from, text.data() + text.size()});
+            to = detail::is_printable(code) ? std::copy_n(from, size, to) : write_escaped(to, code);
+            from += size;
+        }
+    }
+    out.append(written.data(), to);
+    return static_cast<std::size_t>(from - text.data());
+}
+
+// The quote for a text without single ones before `from`.
+char quote_for(std::string_view text, std::size_t from) noexcept {
+    const bool single = text.find('\'', from) != std::string_view::npos;
     return single && text.find('"') == std::string_view::npos ? '"' : '\'';
 }
 
 }  // namespace
 
 void append_quoted(std::string& out, std::string_view text, std::size_t enough) {
-    if (out.size() >= enough) return;
-    const char quote = quote_for(text);
+    const std::size_t start = out.size();
+    if (start >= enough) return;
     // No character takes fewer bytes escaped than plain, so no byte behind `end` is needed.
-    const std::size_t end = std::min(text.size(), enough - out.size());
+    const std::size_t end = std::min(text.size(), enough - start);
     if (out.empty()) out.reserve(end + 2);
-    out += quote;
-    const Forms& forms = quote == '"' ? forms_between_double : forms_between_single;
-    std::array<char, 4 * block * most_bytes> written;
-    for (std::size_t at = 0; at < end;) {
-        std::size_t plain = at;
-        const std::size_t last = std::min(end, at + still_in_cache);
-        while (last - plain >= block && is_plain_block(text.data() + plain, quote)) plain += block;
-        if (plain > at) {
-            out.append(text, at, plain - at);
-            at = plain;
-            continue;
-        }
-        char* to = written.data();
-        for (const std::size_t stop = std::min(at + 4 * block, end); at < stop;) {
-            const auto code = static_cast<unsigned char>(text[at]);
-            if (code >= forms.size()) {
-                to = write_beyond_ascii(to, text, at);
-                continue;
-            }
-            // All four bytes, of which the next ones take the place of those too many.
-            to = std::copy(forms[code].bytes.begin(), forms[code].bytes.end(), to);
-            to -= forms[code].bytes.size() - forms[code].size;
-            ++at;
-        }
-        out.append(written.data(), to);
+    out += '\'';
+    std::size_t at = append_plain(out, text.substr(0, end));
+    const char quote = quote_for(text, at);
+    out[start] = quote;
+    while (at < end) {
+        at += append_escaped(out, text.substr(at), end - at, quote);
+        if (at < end) at += append_plain(out, text.substr(at, end - at));
     }
     out += quote;
 }

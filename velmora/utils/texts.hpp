@@ -2,8 +2,10 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "velmora/utils/export.hpp"
 
@@ -36,6 +38,28 @@ inline bool take_sign(std::string_view& text) noexcept {
 /// The decimal digits of ASCII, those of no other script and of no locale.
 constexpr bool is_digit(char c) noexcept {
     return c >= '0' && c <= '9';
+}
+
+/// Whether `test` is other than zero for any byte of `text`. Compilers test many bytes at once when
+/// it is a function object without branches.
+template <class Test>
+bool any_byte(std::string_view text, Test test) {
+    const auto in_blocks = [&]<std::size_t size>(std::integral_constant<std::size_t, size>) {
+        const auto any = [&](const char* block) {
+            unsigned char found = 0;
+            for (std::size_t i = 0; i < size; ++i)
+                found |= static_cast<unsigned char>(test(block[i]));
+            return found != 0;
+        };
+        for (std::size_t at = 0; at + size < text.size(); at += size) {
+            if (any(text.data() + at)) return true;
+        }
+        return any(text.data() + text.size() - size);  // As a rule with bytes seen before.
+    };
+    if (text.size() >= 256) return in_blocks(std::integral_constant<std::size_t, 256>());
+    if (text.size() >= 64) return in_blocks(std::integral_constant<std::size_t, 64>());
+    if (text.size() >= 16) return in_blocks(std::integral_constant<std::size_t, 16>());
+    return std::any_of(text.begin(), text.end(), test);
 }
 
 }  // namespace velmora::utils

@@ -38,8 +38,19 @@ VELMORA_EXPORT bool is_printable(char32_t code) noexcept;
 /// Whether a character has the Unicode property White_Space.
 VELMORA_EXPORT bool is_white_space(char32_t code) noexcept;
 
+namespace detail {
+VELMORA_EXPORT std::string_view trimmed_in_any_script(std::string_view text) noexcept;
+}  // namespace detail
+
 /// `text` without the white space at its two ends.
-VELMORA_EXPORT std::string_view trimmed(std::string_view text) noexcept;
+inline std::string_view trimmed(std::string_view text) noexcept {
+    const auto is_blank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
+    const auto is_ascii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && is_blank(text.back())) text.remove_suffix(1);
+    if (text.empty() || (is_ascii(text.front()) && is_ascii(text.back()))) return text;
+    return detail::trimmed_in_any_script(text);
+}
 
 /// Whether `text` is `word`, which is lower-case ASCII, in any mix of upper and lower case.
 VELMORA_EXPORT bool equal_ignoring_case(std::string_view text, std::string_view word) noexcept;

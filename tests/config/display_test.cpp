@@ -46,6 +46,12 @@ TEST(Display, WritesWhatOccursAgainOnlyWithinItselfShort) {
     mapping.set(mapping, List(mapping, Mapping()));
     const std::string shown = "[1, None, False, [...]]";
     EXPECT_EQ(testing::PrintToString(mapping), "{" + shown + ": " + shown + ", None: \"it's\", {...}: [{...}, {}]}");
+    const List innermost;
+    List deep = innermost;
+    for (int i = 0; i < 300; ++i) deep = List{ConfigValue(deep)};
+    List(innermost).push_back(deep);
+    const std::string levels = repeated("[", 301) + "[...]" + repeated("]", 301);
+    EXPECT_EQ(display(List(deep, deep)), "[" + levels + ", " + levels + "]");
     EXPECT_EQ(plain_text(List("a")), "['a']");
     EXPECT_EQ(plain_text("it's"), "it's");
 }

@@ -1,12 +1,15 @@
 #include "velmora/config/display.hpp"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <ostream>
-#include <unordered_set>
 
+#include "velmora/utils/hash.hpp"
 #include "velmora/utils/quoting.hpp"
 #include "velmora/utils/unicode.hpp"
 
@@ -31,6 +34,57 @@ void append_double(std::string& out, double value) {
     if (fixed && text.find('.') == std::string_view::npos) out += ".0";
 }
 
+// Appends the form of a value that is no list or mapping, the beginning of it when that is enough.
+inline void append_scalar(std::string& out, const ConfigValue& value, std::size_t enough) {
+    if (const auto* text = value.get_if<std::string>()) {
+        utils::append_quoted(out, *text, enough);
+    } else if (const auto* integer = value.get_if<Integer>()) {
+        integer->append_text(out, enough);
+    } else if (const auto* real = value.get_if<double>()) {
+        append_double(out, *real);
+    } else if (const auto* flag = value.get_if<bool>()) {
+        out += *flag ? "True" : "False";
+    } else {
+        out += "None";
+    }
+}
+
+// The identities of lists and mappings, which leave in the opposite order of their coming. So a
+// table of which each takes the first free place from its own on is as before when one has left.
+class Identities {
+public:
+    // False when it is there already.
+    bool insert(const void* identity) {
+        if (places_.size() < 2 * (order_.size() + 1)) grow();
+        const void*& place = place_of(identity);
+        if (place != nullptr) return false;
+        order_.push_back(identity);
+        place = identity;
+        return true;
+    }
+
+    void erase_last() {
+        place_of(order_.back()) = nullptr;
+        order_.pop_back();
+    }
+
+private:
+    void grow() {
+        places_.assign(std::max(std::size_t{64}, 4 * places_.size()), nullptr);
+        for (const void* identity : order_) place_of(identity) = identity;
+    }
+
+    const void*& place_of(const void* identity) {
+        const std::size_t last = places_.size() - 1;
+        std::size_t place = utils::hash_integer(std::bit_cast<std::intptr_t>(identity)) & last;
+        while (places_[place] != nullptr && places_[place] != identity) place = (place + 1) & last;
+        return places_[place];
+    }
+
+    std::vector<const void*> places_;  // A power of two, at most half of them taken.
+    std::vector<const void*> order_;
+};
+
 // Writes a display form up to `enough` bytes, without recursion: a value may be nested without
 // limit.
 class Writer {
@@ -52,60 +106,63 @@ private:
     // A list or mapping that is being written. Of a mapping, keys and values take turns as
     // children.
     struct Open {
-        bool list;
-        const ConfigValue* items;
-        const Mapping::Entry* entries;
-        std::size_t children;
-        const void* identity;  // Null for what does not contain itself.
+        char end = 0;  // Its closing bracket.
+        bool circular = false;
+        const ConfigValue* items = nullptr;
+        const Mapping::Entry* entries = nullptr;
+        std::size_t children = 0;
         std::size_t next = 0;
 
+        bool list() const { return end == ']'; }
         const ConfigValue& child() const {
-            if (list) return items[next];
+            if (list()) return items[next];
             const Mapping::Entry& entry = entries[next / 2];
             return next % 2 == 0 ? entry.key : entry.value;
         }
     };
 
     void begin(const ConfigValue& value) {
-        value.visit([this](const auto& held) { begin_held(held); });
-    }
-
-    void begin_held(std::monostate) { out_ += "None"; }
-    void begin_held(bool flag) { out_ += flag ? "True" : "False"; }
-    void begin_held(const Integer& integer) { integer.append_text(out_, enough_); }
-    void begin_held(double real) { append_double(out_, real); }
-    void begin_held(const std::string& text) { utils::append_quoted(out_, text, enough_); }
-    void begin_held(const List& list) {
-        begin_children("[", "[...]", {true, list.begin(), nullptr, list.size(), identity_of(list)});
-    }
-    void begin_held(const Mapping& mapping) {
-        begin_children("{", "{...}",
-                       {false, nullptr, mapping.begin(), 2 * mapping.size(), identity_of(mapping)});
-    }
-
-    template <class T>
-    static const void* identity_of(const T& object) {
-        return object.may_contain_itself() ? object.identity() : nullptr;
-    }
-
-    void begin_children(std::string_view bracket, std::string_view again, Open open) {
-        if (open.identity != nullptr && !identities_.insert(open.identity).second) {
-            out_ += again;
-            return;
+        if (const auto* list = value.get_if<List>()) {
+            if (Open* open = begin_children(*list, "[...]")) {
+                open->items = list->begin();
+                open->children = list->size();
+            }
+        } else if (const auto* mapping = value.get_if<Mapping>()) {
+            if (Open* open = begin_children(*mapping, "{...}")) {
+                open->entries = mapping->begin();
+                open->children = 2 * mapping->size();
+            }
+        } else {
+            append_scalar(out_, value, enough_);
         }
-        out_ += bracket;
-        open_.push_back(open);
+    }
+
+    // Null when it is being written already, and `again` stands for it.
+    template <class T>
+    Open* begin_children(const T& object, std::string_view again) {
+        const bool circular = object.may_contain_itself();
+        if (circular && !identities_.insert(object.identity())) {
+            out_ += again;
+            return nullptr;
+        }
+        out_ += again.front();
+        // What is shown of a deep value opens eighty: three steps, where doubling takes eight.
+        if (open_.size() == open_.capacity()) open_.reserve(4 * (open_.size() + 1));
+        Open& open = open_.emplace_back();
+        open.end = again.back();
+        open.circular = circular;
+        return &open;
     }
 
     void go_on() {
         Open& open = open_.back();
         if (open.next == open.children) {
-            out_ += open.list ? ']' : '}';
-            if (open.identity != nullptr) identities_.erase(open.identity);
+            out_ += open.end;
+            if (open.circular) identities_.erase_last();
             open_.pop_back();
             return;
         }
-        if (open.next > 0) out_ += !open.list && open.next % 2 == 1 ? ": " : ", ";
+        if (open.next > 0) out_ += !open.list() && open.next % 2 == 1 ? ": " : ", ";
         const ConfigValue& child = open.child();
         ++open.next;
         begin(child);
@@ -114,14 +171,23 @@ private:
     std::string& out_;
     std::size_t enough_;
     std::vector<Open> open_;
-    std::unordered_set<const void*> identities_;
+    Identities identities_;  // Of those open that may contain themselves.
 };
+
+inline void append_display(std::string& out, const ConfigValue& value, std::size_t enough) {
+    if (shares_state(value)) {
+        Writer(out, enough).write(value);
+    } else {
+        append_scalar(out, value, enough);
+    }
+}
 
 }  // namespace
 
 std::string display(const ConfigValue& value) {
+    if (const auto* integer = value.get_if<Integer>()) return integer->text();
     std::string out;
-    Writer(out, std::string::npos).write(value);
+    append_display(out, value, std::string::npos);
     return out;
 }
 
@@ -132,7 +198,7 @@ std::string plain_text(const ConfigValue& value) {
 
 std::string _shown(const ConfigValue& value) {
     std::string out;
-    Writer(out, utils::shown_bytes).write(value);
+    append_display(out, value, utils::shown_bytes);
     return utils::cut(std::move(out), utils::shown_characters);
 }
 

@@ -1,5 +1,6 @@
 #include "velmora/config/number.hpp"
 
+#include <random>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -23,6 +24,13 @@ TEST(Integer, ParsesSignAndDigitsAndGivesBackWhatFits) {
     const std::pair<const char*, const char*> cases[] = {
         {"-0", "0"}, {"+007", "7"}, {"-000100000000000000000000", "-100000000000000000000"}};
     for (const auto& [text, shown] : cases) EXPECT_EQ(integer(text).text(), shown);
+    for (std::size_t size = 1; size < 600; size += 1 + size / 20) {
+        std::string digits(size, '7');
+        EXPECT_EQ(integer(digits).text(), digits);
+        EXPECT_EQ(integer("-" + std::string(20, '0') + digits), integer("-" + digits));
+        digits[size * 2 / 3] = ':';
+        EXPECT_FALSE(Integer::parse(digits)) << digits;
+    }
     constexpr auto most = std::numeric_limits<std::uint64_t>::max();
     for (const Integer& each : {Integer(most), integer("18446744073709551615")}) {
         EXPECT_EQ(each.as<std::uint64_t>(), most);
@@ -58,6 +66,17 @@ TEST(Number, OrdersIntegersAndDoublesExactly) {
     for (const auto& [a, b] : equal) {
         EXPECT_EQ(a, b);
         EXPECT_EQ(a.hash(), Number(b).hash()) << a;
+    }
+}
+
+TEST(ParseDecimal, ReadsFewDigitsAsItReadsMany) {
+    std::mt19937 random(20261123);
+    for (int round = 0; round < 20'000; ++round) {
+        std::string text = random() % 2 == 0 ? "-" : "";
+        for (auto size = 1 + random() % 18; size > 0; --size) text += static_cast<char>('0' + random() % 10);
+        if (round % 8 != 0) text.insert(text.size() - random() % 18 % text.size(), ".");
+        ASSERT_EQ(parse_decimal(text), parse_decimal(text + "e0")) << text;
+        ASSERT_FALSE(parse_decimal(text + "..")) << text;
     }
 }
 

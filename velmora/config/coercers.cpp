@@ -1,10 +1,11 @@
 #include "velmora/config/coercers.hpp"
 
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,43 +21,43 @@ namespace velmora::config {
 
 namespace {
 
-// `text` without its underscores, `storage` where it has any; nothing when one does not stand
-// between two digits.
-std::optional<std::string_view> without_underscores(std::string_view text, std::string& storage) {
-    std::size_t mark = text.find('_');
-    if (mark == std::string_view::npos) return text;
-    storage.reserve(text.size());
-    std::size_t copied = 0;
-    for (; mark != std::string_view::npos; mark = text.find('_', copied)) {
-        const bool between_digits = mark > 0 && utils::is_digit(text[mark - 1]) &&
-                                    mark + 1 < text.size() && utils::is_digit(text[mark + 1]);
-        if (!between_digits) return std::nullopt;
-        storage.append(text, copied, mark - copied);
-        copied = mark + 1;
+// A text without its underscores, which must each stand between two digits.
+class WithoutUnderscores {
+public:
+    explicit WithoutUnderscores(std::string_view text) {
+        if (text.size() > few_.size()) many_.resize(text.size());
+        char* const start = many_.empty() ? few_.data() : many_.data();
+        char* end = start;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text[i] != '_') {
+                *end++ = text[i];
+                continue;
+            }
+            const bool between_digits = i > 0 && utils::is_digit(text[i - 1]) &&
+                                        i + 1 < text.size() && utils::is_digit(text[i + 1]);
+            if (!between_digits) return;
+        }
+        text_ = {start, end};
     }
-    return storage.append(text, copied);
-}
 
-std::optional<Integer> read_integer(std::string_view text) {
-    if (auto plain = Integer::parse(text)) return plain;
-    std::string storage;
-    const auto digits = without_underscores(utils::trimmed(text), storage);
-    return digits ? Integer::parse(*digits) : std::nullopt;
-}
+    WithoutUnderscores(const WithoutUnderscores&) = delete;
+    WithoutUnderscores& operator=(const WithoutUnderscores&) = delete;
+    ~WithoutUnderscores() = default;
 
-std::optional<double> read_float(std::string_view text) {
-    if (const auto plain = parse_decimal(text)) return plain;
-    std::string storage;
-    const auto plain = without_underscores(utils::trimmed(text), storage);
-    if (!plain) return std::nullopt;
-    if (const auto decimal = parse_decimal(*plain)) return decimal;
-    std::string_view word = *plain;
-    utils::take_sign(word);
-    if (utils::equal_ignoring_case(word, "nan")) return std::numeric_limits<double>::quiet_NaN();
-    if (utils::equal_ignoring_case(word, "inf") || utils::equal_ignoring_case(word, "infinity")) {
-        return std::numeric_limits<double>::infinity();
-    }
-    return std::nullopt;
+    // Empty when an underscore is out of place.
+    std::string_view text() const { return text_; }
+
+private:
+    std::array<char, 64> few_;
+    std::string many_;
+    std::string_view text_;
+};
+
+// Whether `text` spells a number that is none: nan or an infinity.
+bool spells_no_number(std::string_view text) {
+    utils::take_sign(text);
+    return utils::equal_ignoring_case(text, "nan") || utils::equal_ignoring_case(text, "inf") ||
+           utils::equal_ignoring_case(text, "infinity");
 }
 
 template <class Error>
@@ -78,21 +79,29 @@ double finite_double(const Integer& integer, const ConfigValue& value) {
 }
 
 Integer to_integer(const ConfigValue& value) {
+    if (const auto* text = value.get_if<std::string>()) {
+        const std::string_view spelled = utils::trimmed(*text);
+        if (auto integer = Integer::parse(spelled)) return *std::move(integer);
+        if (auto integer = Integer::parse(WithoutUnderscores(spelled).text()))
+            return *std::move(integer);
+        refuse<ValueError>("a decimal integer", value);
+    }
     if (const auto* integer = value.get_if<Integer>()) return *integer;
     if (const auto* real = value.get_if<double>()) return Integer::truncated(*real);
-    const auto* text = value.get_if<std::string>();
-    if (text == nullptr) refuse<TypeError>("an integer", value);
-    if (auto integer = read_integer(*text)) return *std::move(integer);
-    refuse<ValueError>("a decimal integer", value);
+    refuse<TypeError>("an integer", value);
 }
 
 double to_double(const ConfigValue& value) {
+    if (const auto* text = value.get_if<std::string>()) {
+        const std::string_view spelled = utils::trimmed(*text);
+        if (const double real = _decimal_or_nan(spelled); !std::isnan(real)) return real;
+        if (const auto real = parse_decimal(WithoutUnderscores(spelled).text())) return *real;
+        if (spells_no_number(spelled)) return std::numeric_limits<double>::quiet_NaN();
+        refuse<ValueError>("a decimal number", value);
+    }
     if (const auto* integer = value.get_if<Integer>()) return finite_double(*integer, value);
     if (const auto* real = value.get_if<double>()) return *real;
-    const auto* text = value.get_if<std::string>();
-    if (text == nullptr) refuse<TypeError>("a number", value);
-    if (const auto real = read_float(*text)) return *real;
-    refuse<ValueError>("a decimal number", value);
+    refuse<TypeError>("a number", value);
 }
 
 }  // namespace
@@ -115,7 +124,8 @@ ConfigValue _coerce_number(const ConfigValue& value, KeyKind kind) {
         throw ValueError(display(value) + " is not a finite number");
     if (whole) {
         Integer integer = to_integer(value);
-        if (!integer.as<std::int64_t>()) (void)finite_double(integer, value);
+        if (const auto small = integer.as<std::int64_t>()) return *small;
+        (void)finite_double(integer, value);
         return integer;
     }
     const double real = to_double(value);
@@ -129,20 +139,14 @@ ConfigValue _coerce_text(const ConfigValue& value) {
 }
 
 ConfigValue _coerce_list(const ConfigValue& value) {
-    if (const auto* text = value.get_if<std::string>()) return List(utils::split_csv(*text));
+    if (const auto* text = value.get_if<std::string>())
+        return List(utils::split_csv<ConfigValue>(*text));
     const auto* list = value.get_if<List>();
     if (list == nullptr) refuse_interpreting(value, "list");
     std::vector<ConfigValue> items;
     items.reserve(list->size());
     for (const ConfigValue& item : *list) items.emplace_back(plain_text(item));
     return List(std::move(items));
-}
-
-Coercer coercer_of(KeyKind kind) {
-    for (const auto& [own_kind, coerce] : _COERCERS) {
-        if (own_kind == kind) return coerce;
-    }
-    throw std::out_of_range("a key of a kind that has no coercer");
 }
 
 }  // namespace velmora::config

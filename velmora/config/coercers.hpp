@@ -3,6 +3,8 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <stdexcept>
 #include <utility>
 
 #include "velmora/config/kind.hpp"
@@ -49,6 +51,10 @@ inline constexpr std::array<std::pair<KeyKind, Coercer>, 5> _COERCERS = {{
 }};
 
 /// The entry of `_COERCERS` for `kind`. Throws std::out_of_range when there is none.
-VELMORA_EXPORT Coercer coercer_of(KeyKind kind);
+inline Coercer coercer_of(KeyKind kind) {
+    const auto place = static_cast<std::size_t>(kind);
+    if (place >= _COERCERS.size()) throw std::out_of_range("a key of a kind that has no coercer");
+    return _COERCERS[place].second;
+}
 
 }  // namespace velmora::config

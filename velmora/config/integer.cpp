@@ -14,6 +14,10 @@ namespace velmora::config {
 
 namespace {
 
+// The digits of 2^63, and those of which any number fits.
+constexpr std::size_t most_small_digits = 19;
+constexpr std::size_t always_small_digits = most_small_digits - 1;
+
 // The digits of 2^1024 - 2^970, of which no magnitude with a nearest finite double has more.
 constexpr std::size_t most_double_digits = 309;
 
@@ -30,21 +34,29 @@ std::errc read_whole(std::string_view text, N& value) noexcept {
 }  // namespace
 
 std::optional<Integer> Integer::parse(std::string_view text) {
-    std::string_view digits = text;
-    const bool negative = utils::take_sign(digits);
-    // std::from_chars takes a "-", but no "+", and no sign behind one.
-    if (digits.empty() || !utils::is_digit(digits.front())) return std::nullopt;
-    const std::string_view read = negative ? text : digits;
-    Integer result;
-    const auto [end, error] =
-        std::from_chars(read.data(), read.data() + read.size(), result.small_);
-    if (end != read.data() + read.size()) return std::nullopt;
-    if (error == std::errc()) return result;
-    digits.remove_prefix(digits.find_first_not_of('0'));
+    const bool negative = utils::take_sign(text);
+    if (text.empty()) return std::nullopt;
+    if (text.size() > always_small_digits) return parse_long(text, negative);
+    std::int64_t value = 0;
+    for (const char c : text) {
+        const unsigned digit = static_cast<unsigned char>(c) - unsigned{'0'};
+        if (digit > 9) return std::nullopt;
+        value = 10 * value + digit;
+    }
+    return negative ? -value : value;
+}
+
+std::optional<Integer> Integer::parse_long(std::string_view digits, bool negative) {
+    if (utils::any_byte(digits, [](char c) { return !utils::is_digit(c); })) return std::nullopt;
+    digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size() - 1));
     std::string spelled;
     spelled.reserve(digits.size() + 1);
     if (negative) spelled += '-';
-    result.large_ = std::make_shared<const std::string>(std::move(spelled += digits));
+    spelled += digits;
+    Integer result;
+    const bool may_be_small = digits.size() <= most_small_digits;
+    if (may_be_small && read_whole(spelled, result.small_) == std::errc()) return result;
+    result.large_ = std::make_shared<const std::string>(std::move(spelled));
     return result;
 }
 

@@ -76,6 +76,9 @@ public:
                                                            const Integer& b) noexcept;
 
 private:
+    /// The integer of `digits`, which are not empty, and too many to be sure that it is small.
+    static std::optional<Integer> parse_long(std::string_view digits, bool negative);
+
     std::optional<std::uint64_t> as_uint64() const noexcept;
 
     std::int64_t small_ = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cfloat>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -50,6 +51,31 @@ bool is_too_large(std::string_view text) {
     return exponent + point - first_digit > 0;
 }
 
+// The number that a few digits spell, with a point or without: an integer and a power of ten that
+// are both doubles, so that only their quotient is rounded. NaN for every other text.
+double short_decimal(std::string_view text) noexcept {
+    constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
+    constexpr std::array<double, 15> powers = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6, 1e7,
+                                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14};
+    if (FLT_EVAL_METHOD != 0 || text.size() > powers.size()) return nothing;
+    std::int64_t digits = 0;
+    std::size_t read = 0;
+    std::size_t before_point = text.size();
+    for (const char c : text) {
+        if (utils::is_digit(c)) {
+            digits = 10 * digits + (c - '0');
+            ++read;
+        } else if (c == '.' && before_point == text.size()) {
+            before_point = read;
+        } else {
+            return nothing;
+        }
+    }
+    if (read == 0) return nothing;
+    const std::size_t behind_point = read - std::min(read, before_point);
+    return static_cast<double>(digits) / powers[behind_point];
+}
+
 }  // namespace
 
 double Number::to_double() const {
@@ -82,19 +108,25 @@ std::string number_text(const Number& number) {
     return {text.data(), end.ptr};
 }
 
-std::optional<double> parse_decimal(std::string_view text) {
+double _decimal_or_nan(std::string_view text) {
+    constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
     const bool negative = utils::take_sign(text);
+    if (const double value = short_decimal(text); !std::isnan(value))
+        return negative ? -value : value;
     // std::from_chars takes another sign, and words, as well.
-    if (text.empty() || (text.front() != '.' && !utils::is_digit(text.front())))
-        return std::nullopt;
+    if (text.empty() || (text.front() != '.' && !utils::is_digit(text.front()))) return nothing;
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error == std::errc::invalid_argument || end != text.data() + text.size())
-        return std::nullopt;
+    if (error == std::errc::invalid_argument || end != text.data() + text.size()) return nothing;
     if (error == std::errc::result_out_of_range) {
         value = is_too_large(text) ? std::numeric_limits<double>::infinity() : 0.0;
     }
     return negative ? -value : value;
+}
+
+std::optional<double> parse_decimal(std::string_view text) {
+    const double value = _decimal_or_nan(text);
+    return std::isnan(value) ? std::nullopt : std::optional(value);
 }
 
 }  // namespace velmora::config

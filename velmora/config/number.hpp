@@ -57,6 +57,9 @@ VELMORA_EXPORT std::string number_text(const Number& number);
 /// when it is too small. Takes time linear in the length of the text.
 VELMORA_EXPORT std::optional<double> parse_decimal(std::string_view text);
 
+/// The same, NaN for nothing: in a register, where an optional goes through memory.
+VELMORA_EXPORT double _decimal_or_nan(std::string_view text);
+
 }  // namespace velmora::config
 
 template <>

@@ -28,15 +28,4 @@ bool parse_bool(std::string_view text) {
     throw ValueError(shown_text(text) + " is not one of true/false, yes/no, on/off, y/n, t/f, 1/0");
 }
 
-std::vector<std::string> split_csv(std::string_view text) {
-    std::vector<std::string> items;
-    for (std::size_t start = 0; start <= text.size();) {
-        const std::size_t end = std::min(text.find(',', start), text.size());
-        const std::string_view item = trimmed(text.substr(start, end - start));
-        if (!item.empty()) items.emplace_back(item);
-        start = end + 1;
-    }
-    return items;
-}
-
 }  // namespace velmora::utils

@@ -7,6 +7,7 @@
 #include "velmora/utils/nearest_name.hpp"
 #include "velmora/utils/quoting.hpp"
 #include "velmora/utils/text_values.hpp"
+#include "velmora/utils/texts.hpp"
 #include "velmora/utils/unicode.hpp"
 
 namespace velmora::utils {
@@ -63,6 +64,18 @@ TEST(Unicode, KnowsWhatIsPrintableAndWhiteSpace) {
     EXPECT_EQ(trimmed("\u3000 \ta b\u00a0\u2029\x85"), "a b\u00a0\u2029\x85") << "a stray byte is no white space";
     EXPECT_EQ(trimmed("\u2003\u1680"), "");
     EXPECT_EQ(trimmed(std::string_view("\xe2\x80\x80").substr(1)), "\x80\x80");
+}
+
+TEST(Texts, AreTheSameNameWhenNoByteDiffers) {
+    for (std::size_t size = 0; size < 20; ++size) {
+        const std::string name(size, 'x'), copy = name;
+        EXPECT_TRUE(same_name(name, copy) && !same_name(name, name + "x")) << size;
+        for (std::size_t at = 0; at < size; ++at) {
+            std::string other = name;
+            other[at] = 'y';
+            EXPECT_FALSE(same_name(name, other)) << other;
+        }
+    }
 }
 
 TEST(TextValues, ReadFlagsAndLists) {

@@ -4,43 +4,17 @@
 
 namespace velmora::config {
 
-class List::Data : public detail::Shared {
-public:
-    std::vector<ConfigValue> items;
-
-private:
-    detail::Handle* next_handle(std::size_t& position) noexcept override {
-        while (position < items.size()) {
-            if (detail::Handle* handle = items[position++].handle()) return handle;
-        }
-        return nullptr;
+detail::Handle* List::Data::next_handle(std::size_t& position) noexcept {
+    while (position < items.size()) {
+        if (detail::Handle* handle = items[position++].handle()) return handle;
     }
-};
+    return nullptr;
+}
 
 List::List() : handle_(new Data) {}
 
-List::Data& List::data() const noexcept {
-    return static_cast<Data&>(*handle_.get());
-}
-
 void List::take(std::vector<ConfigValue> items) noexcept {
     data().items = std::move(items);
-}
-
-std::size_t List::size() const noexcept {
-    return data().items.size();
-}
-
-const ConfigValue* List::begin() const noexcept {
-    return data().items.data();
-}
-
-const ConfigValue* List::end() const noexcept {
-    return begin() + size();
-}
-
-const ConfigValue& List::operator[](std::size_t index) const noexcept {
-    return data().items[index];
 }
 
 void List::push_back(ConfigValue item) {

@@ -84,7 +84,7 @@ private:
     friend class ConfigValue;
     class Data;
 
-    Data& data() const noexcept;
+    inline Data& data() const noexcept;
     void take(std::vector<ConfigValue> items) noexcept;
 
     detail::Handle handle_;

@@ -2,57 +2,20 @@
 
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "velmora/config/value.hpp"
 #include "velmora/utils/hash.hpp"
+#include "velmora/utils/index.hpp"
+#include "velmora/utils/texts.hpp"
 
 namespace velmora::config {
 
+using utils::Index;
+
 namespace {
-
-constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
-
-// The positions of entries by the hashes of their keys: each in the first free slot from that one
-// on to which its hash points.
-class Index {
-public:
-    Index() = default;
-    explicit Index(std::size_t power_of_two) : slots_(power_of_two) {}
-
-    // Searching stays short as long as half of the slots are free.
-    bool has_room_for(std::size_t positions) const noexcept {
-        return positions <= slots_.size() / 2;
-    }
-
-    void insert(std::size_t hash, std::size_t position) noexcept {
-        std::size_t at = hash & last_slot();
-        while (slots_[at].position != none) at = (at + 1) & last_slot();
-        slots_[at] = {hash, position};
-    }
-
-    template <class Matches>
-    std::size_t find(std::size_t hash, Matches matches) const {
-        for (std::size_t at = hash & last_slot();; at = (at + 1) & last_slot()) {
-            const Slot& slot = slots_[at];
-            if (slot.position == none || (slot.hash == hash && matches(slot.position)))
-                return slot.position;
-        }
-    }
-
-private:
-    struct Slot {
-        std::size_t hash = 0;
-        std::size_t position = none;
-    };
-
-    std::size_t last_slot() const noexcept { return slots_.size() - 1; }
-
-    std::vector<Slot> slots_;
-};
 
 // NaN, which equals nothing, is never found.
 bool may_be_found(const ConfigValue& key) noexcept {
@@ -62,12 +25,10 @@ bool may_be_found(const ConfigValue& key) noexcept {
 
 }  // namespace
 
-class Mapping::Data : public detail::Shared {
+class Mapping::Data : public Entries {
 public:
-    std::vector<Entry> entries;
-
     // The position of the entry whose key `matches`, a predicate that holds only for keys of this
-    // hash; `none` when there is none. `hash` is called only when it is needed.
+    // hash; `Index::none` when there is none. `hash` is called only when it is needed.
     template <class Hash, class Matches>
     std::size_t find(Hash hash, Matches matches) const {
         const auto matches_at = [&](std::size_t position) {
@@ -77,17 +38,17 @@ public:
         for (std::size_t i = 0; i < entries.size(); ++i) {
             if (matches_at(i)) return i;
         }
-        return none;
+        return Index::none;
     }
 
     std::size_t find(const ConfigValue& key) const {
-        if (!may_be_found(key)) return none;
+        if (!may_be_found(key)) return Index::none;
         return find([&] { return key.hash(); },
                     [&](const ConfigValue& other) { return other == key; });
     }
 
     const Entry* entry_at(std::size_t position) const noexcept {
-        return position == none ? nullptr : &entries[position];
+        return position == Index::none ? nullptr : &entries[position];
     }
 
     void append(ConfigValue key, ConfigValue value) {
@@ -142,24 +103,12 @@ Mapping::Data& Mapping::data() const noexcept {
     return static_cast<Data&>(*handle_.get());
 }
 
-std::size_t Mapping::size() const noexcept {
-    return data().entries.size();
-}
-
-const Mapping::Entry* Mapping::begin() const noexcept {
-    return data().entries.data();
-}
-
-const Mapping::Entry* Mapping::end() const noexcept {
-    return begin() + size();
-}
-
 const Mapping::Entry* Mapping::find_entry(std::string_view key) const {
     const Data& all = data();
     return all.entry_at(all.find([&] { return utils::hash_text(key); },
                                  [&](const ConfigValue& other) {
                                      const auto* text = other.get_if<std::string>();
-                                     return text != nullptr && *text == key;
+                                     return text != nullptr && utils::same_name(*text, key);
                                  }));
 }
 
@@ -175,7 +124,7 @@ void Mapping::set(ConfigValue key, ConfigValue value) {
     Data& all = data();
     detail::Adding adding_value(all, value.handle());
     const std::size_t position = all.find(key);
-    if (position != none) {
+    if (position != Index::none) {
         ConfigValue& place = all.entries[position].value;
         std::swap(place, value);
         adding_value.finish(place.handle());

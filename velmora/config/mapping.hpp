@@ -75,9 +75,11 @@ public:
 
 private:
     friend class ConfigValue;
+    struct Entries;
     class Data;
 
     Data& data() const noexcept;
+    inline const Entries& entries() const noexcept;
     const Entry* find_any(const ConfigValue& key) const;
 
     detail::Handle handle_;

@@ -1,13 +1,15 @@
 #include "velmora/config/record_type.hpp"
 
+#include <bit>
 #include <memory>
 #include <ostream>
-#include <unordered_map>
 #include <utility>
 
 #include "velmora/config/record.hpp"
 #include "velmora/config/record_draft.hpp"
 #include "velmora/utils/errors.hpp"
+#include "velmora/utils/hash.hpp"
+#include "velmora/utils/index.hpp"
 #include "velmora/utils/nearest_name.hpp"
 #include "velmora/utils/quoting.hpp"
 
@@ -15,11 +17,19 @@ namespace velmora::config {
 
 struct RecordType::Data {
     Data(std::string its_name, std::vector<FieldDecl> its_fields)
-        : name(std::move(its_name)), fields(std::move(its_fields)) {
+        : name(std::move(its_name)),
+          fields(std::move(its_fields)),
+          positions(std::bit_ceil(2 * fields.size() + 1)) {
         for (std::size_t i = 0; i < fields.size(); ++i) {
-            const auto [first, fresh] = positions.try_emplace(fields[i].name(), i);
-            if (!fresh) refuse_second(first->second, i);
+            const std::size_t hash = utils::hash_text(fields[i].name());
+            const std::size_t first = find(fields[i].name(), hash);
+            if (first != utils::Index::none) refuse_second(first, i);
+            positions.insert(hash, i);
         }
+    }
+
+    std::size_t find(std::string_view field, std::size_t hash) const {
+        return positions.find(hash, [&](std::size_t i) { return fields[i].name() == field; });
     }
 
     [[noreturn]] void refuse_second(std::size_t first, std::size_t second) const {
@@ -32,8 +42,7 @@ struct RecordType::Data {
 
     std::string name;
     std::vector<FieldDecl> fields;
-    /// By names that refer into `fields`.
-    std::unordered_map<std::string_view, std::size_t> positions;
+    utils::Index positions;
 };
 
 RecordType::RecordType(std::string name, std::vector<FieldDecl> fields)
@@ -48,8 +57,8 @@ const std::vector<FieldDecl>& RecordType::fields() const noexcept {
 }
 
 const FieldDecl* RecordType::find_field(std::string_view name) const {
-    const auto found = data_->positions.find(name);
-    return found != data_->positions.end() ? &fields()[found->second] : nullptr;
+    const std::size_t found = data_->find(name, utils::hash_text(name));
+    return found != utils::Index::none ? &data_->fields[found] : nullptr;
 }
 
 std::size_t RecordType::position_of(std::string_view name) const {

@@ -16,10 +16,6 @@ ConfigValue::ConfigValue(const char* text) {
     if (text != nullptr) value_ = std::string(text);
 }
 
-ConfigValue::ConfigValue(ConfigValue&& other) noexcept : value_(std::move(other.value_)) {
-    other.value_.emplace<std::monostate>();
-}
-
 ConfigValue& ConfigValue::operator=(ConfigValue&& other) noexcept {
     value_ = std::exchange(other.value_, std::monostate{});
     return *this;

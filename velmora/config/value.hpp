@@ -59,7 +59,9 @@ public:
     ConfigValue(T*) = delete;
 
     ConfigValue(const ConfigValue&) = default;
-    ConfigValue(ConfigValue&& other) noexcept;
+    ConfigValue(ConfigValue&& other) noexcept : value_(std::move(other.value_)) {
+        other.value_.emplace<std::monostate>();
+    }
     ConfigValue& operator=(const ConfigValue& other) { return *this = ConfigValue(other); }
     ConfigValue& operator=(ConfigValue&& other) noexcept;
     ~ConfigValue() = default;
@@ -131,6 +133,50 @@ struct Mapping::Entry {
     ConfigValue key;
     ConfigValue value;
 };
+
+class List::Data : public detail::Shared {
+public:
+    std::vector<ConfigValue> items;
+
+private:
+    detail::Handle* next_handle(std::size_t& position) noexcept override;
+};
+
+List::Data& List::data() const noexcept {
+    return static_cast<Data&>(*handle_.get());
+}
+
+inline std::size_t List::size() const noexcept {
+    return data().items.size();
+}
+inline const ConfigValue* List::begin() const noexcept {
+    return data().items.data();
+}
+inline const ConfigValue* List::end() const noexcept {
+    return begin() + size();
+}
+inline const ConfigValue& List::operator[](std::size_t index) const noexcept {
+    return data().items[index];
+}
+
+/// What a mapping holds, beside what finds it.
+struct Mapping::Entries : detail::Shared {
+    std::vector<Entry> entries;
+};
+
+const Mapping::Entries& Mapping::entries() const noexcept {
+    return static_cast<const Entries&>(*handle_.get());
+}
+
+inline std::size_t Mapping::size() const noexcept {
+    return entries().entries.size();
+}
+inline const Mapping::Entry* Mapping::begin() const noexcept {
+    return entries().entries.data();
+}
+inline const Mapping::Entry* Mapping::end() const noexcept {
+    return begin() + size();
+}
 
 template <detail::MakesValue T>
 List::List(std::vector<T> items) : List() {

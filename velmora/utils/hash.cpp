@@ -34,12 +34,17 @@ std::size_t hash_integer(std::int64_t value) noexcept {
 std::size_t hash_text(std::string_view text) noexcept {
     std::uint64_t hash = process_seed() + text.size();
     std::uint64_t block = 0;
-    for (; text.size() >= sizeof block; text.remove_prefix(sizeof block)) {
-        std::memcpy(&block, text.data(), sizeof block);
+    if (text.size() < sizeof block) {
+        for (const char c : text) block = block << 8U | static_cast<unsigned char>(c);
+        return static_cast<std::size_t>(mixed(hash ^ block));
+    }
+    // The last block may overlap with the one before it.
+    const std::size_t last = text.size() - sizeof block;
+    for (std::size_t at = 0; at < last; at += sizeof block) {
+        std::memcpy(&block, text.data() + at, sizeof block);
         hash = mixed(hash ^ block);
     }
-    block = 0;
-    for (const char c : text) block = block << 8U | static_cast<unsigned char>(c);
+    std::memcpy(&block, text.data() + last, sizeof block);
     return static_cast<std::size_t>(mixed(hash ^ block));
 }
 

@@ -30,6 +30,7 @@ struct Converter {
     ConfigValue operator()(std::monostate) const { return nullptr; }
     ConfigValue operator()(const Values& list) const {
         std::vector<ConfigValue> items;
+        items.reserve(list.size());
         for (const Value& item : list) items.push_back(config_value(item));
         return List(std::move(items));
     }

@@ -31,6 +31,14 @@ TEST(Declaration, AttachesOneDescriptorAndOneDefault) {
     EXPECT_NE(field.default_factory(), nullptr);
 }
 
+TEST(Metadata, HoldsDescriptorsOfAnyType) {
+    const auto number = [](int value) { return Descriptor(std::make_shared<int>(value)); };
+    const Metadata metadata{{"a", number(1)}, {"b", Descriptor(std::make_shared<char>('b'))}, {"a", number(2)}};
+    EXPECT_EQ(*metadata["a"].get_if<int>(), 1);
+    EXPECT_EQ(*metadata["b"].get_if<char>(), 'b');
+    EXPECT_TRUE(metadata["c"].is_null() && metadata[""].is_null() && Metadata()[""].is_null());
+}
+
 TEST(Declaration, MakesDefaultsOfRecordsAnew) {
     List declared{"a", List{"shared item"}};
     const RecordType type("T", {{"list", list_of(str_type), setting(declared, "")},

@@ -12,14 +12,10 @@ namespace velmora::config {
 
 namespace {
 
-template <class T>
-Metadata metadata_of(std::string_view key, T descriptor) {
-    return {{std::string(key), Descriptor(std::make_shared<const T>(std::move(descriptor)))}};
-}
-
 FieldDetails section_details(DefaultFactory fresh, std::string doc, SectionOptions options) {
     return {std::move(fresh),
-            metadata_of(_SECTION, SectionSetting(std::move(doc), *options.restart))};
+            Metadata(std::string(_SECTION), Descriptor(std::make_shared<SectionSetting>(
+                                                std::move(doc), *options.restart)))};
 }
 
 }  // namespace
@@ -43,11 +39,12 @@ bool operator==(const Setting& a, const Setting& b) {
     return fields(a) == fields(b);
 }
 
-FieldDetails detail::describe_key(const ConfigValue& default_value, std::string doc,
-                                  SettingOptions options) {
-    Metadata metadata = metadata_of(_SETTING, Setting(std::move(doc), std::move(options)));
+FieldDetails detail::describe_key(ConfigValue default_value, std::string&& doc,
+                                  SettingOptions&& options) {
+    Metadata metadata(std::string(_SETTING),
+                      Descriptor(std::make_shared<Setting>(std::move(doc), std::move(options))));
     const auto* list = default_value.get_if<List>();
-    if (list == nullptr) return {default_value, std::move(metadata)};
+    if (list == nullptr) return {std::move(default_value), std::move(metadata)};
     return {DefaultFactory([items = list->copy()] { return items.copy(); }), std::move(metadata)};
 }
 

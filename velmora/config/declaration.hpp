@@ -111,8 +111,8 @@ struct SectionOptions {
 
 namespace detail {
 
-VELMORA_EXPORT FieldDetails describe_key(const ConfigValue& default_value, std::string doc,
-                                         SettingOptions options);
+VELMORA_EXPORT FieldDetails describe_key(ConfigValue default_value, std::string&& doc,
+                                         SettingOptions&& options);
 
 /// What a call is told that leaves `.restart` out.
 struct RestartMustBeGiven {};

@@ -38,8 +38,10 @@ DeclaredType DeclaredType::resolved() const {
 }
 
 DeclaredType DeclaredType::resolved(int most_steps) const {
-    if (const auto* list = std::get_if<ListOf>(&form_))
+    if (const auto* list = std::get_if<ListOf>(&form_)) {
+        if (std::holds_alternative<KeyKind>(list->element->form_)) return *this;
         return list_of(list->element->resolved(most_steps));
+    }
     const auto* reference = std::get_if<TypeReference>(&form_);
     if (reference == nullptr) return *this;
     const std::optional<DeclaredType> target = most_steps > 0 ? reference->target() : std::nullopt;

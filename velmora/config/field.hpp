@@ -1,15 +1,15 @@
 // The declared fields of record types, and what is attached to them.
 #pragma once
 
-#include <any>
 #include <functional>
 #include <initializer_list>
-#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 #include <utility>
 #include <variant>
+#include <vector>
 
 #include "velmora/config/declared_type.hpp"
 #include "velmora/config/value.hpp"
@@ -25,34 +25,43 @@ public:
     Descriptor() = default;
     template <class T>
     explicit Descriptor(std::shared_ptr<T> value) {
-        if (value != nullptr) value_ = std::shared_ptr<const T>(std::move(value));
+        if (value == nullptr) return;
+        value_ = std::move(value);
+        type_ = &typeid(std::shared_ptr<const T>);
     }
 
     /// The very value that was attached, when it is a `T`; else null.
     template <class T>
     std::shared_ptr<const T> get_if() const {
-        const auto* value = std::any_cast<std::shared_ptr<const T>>(&value_);
-        return value != nullptr ? *value : nullptr;
+        const bool is_one = type_ != nullptr && *type_ == typeid(std::shared_ptr<const T>);
+        return is_one ? std::static_pointer_cast<const T>(value_) : nullptr;
     }
 
-    bool is_null() const noexcept { return !value_.has_value(); }
+    bool is_null() const noexcept { return value_ == nullptr; }
 
 private:
-    std::any value_;
+    std::shared_ptr<const void> value_;
+    /// That of a pointer to the value, null when there is none.
+    const std::type_info* type_ = nullptr;
 };
 
 /// The descriptors of a field by text key; never changed once made.
 class VELMORA_EXPORT Metadata {
 public:
     Metadata() = default;
-    Metadata(std::initializer_list<std::pair<const std::string, Descriptor>> entries)
-        : entries_(entries) {}
+    Metadata(std::initializer_list<std::pair<const std::string, Descriptor>> entries);
+    Metadata(std::string key, Descriptor descriptor)
+        : first_(std::move(key), std::move(descriptor)) {}
 
     /// The descriptor under `key`, a null one when there is none.
     Descriptor operator[](std::string_view key) const;
 
 private:
-    std::map<std::string, Descriptor, std::less<>> entries_;
+    using Entry = std::pair<std::string, Descriptor>;
+
+    /// Most fields have one descriptor, which takes no memory of its own.
+    Entry first_;
+    std::vector<Entry> more_;
 };
 
 /// Makes a fresh default on every call.

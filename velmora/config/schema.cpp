@@ -1,7 +1,5 @@
 #include "velmora/config/schema.hpp"
 
-#include <algorithm>
-#include <iterator>
 #include <optional>
 #include <ostream>
 
@@ -14,6 +12,14 @@
 namespace velmora::config {
 
 namespace {
+
+// Of the fields, in their order.
+std::vector<DeclaredType> resolved_types(const RecordType& type) {
+    std::vector<DeclaredType> types;
+    types.reserve(type.fields().size());
+    for (const FieldDecl& field : type.fields()) types.push_back(field.type().resolved());
+    return types;
+}
 
 std::string display_keys(const std::vector<Key>& keys) {
     std::vector<std::string> forms;
@@ -30,13 +36,15 @@ Section::Section(std::string name, RecordType kind, std::shared_ptr<const Sectio
       kind_(std::move(kind)),
       setting_(std::move(setting)),
       keys_(std::move(keys)) {
-    const auto position = [this](const Key& key) {
-        const FieldDecl* field = kind_.find_field(key.name());
-        return field != nullptr ? static_cast<std::size_t>(field - kind_.fields().data())
-                                : no_position;
-    };
+    const std::vector<FieldDecl>& fields = kind_.fields();
     positions_.reserve(keys_.size());
-    std::transform(keys_.begin(), keys_.end(), std::back_inserter(positions_), position);
+    for (std::size_t i = 0; i < keys_.size(); ++i) {
+        // As a rule the keys are those of all fields.
+        const bool in_order = i < fields.size() && fields[i].name() == keys_[i].name();
+        const FieldDecl* field = in_order ? &fields[i] : kind_.find_field(keys_[i].name());
+        positions_.push_back(field != nullptr ? static_cast<std::size_t>(field - fields.data())
+                                              : no_position);
+    }
 }
 
 bool operator==(const Key& a, const Key& b) {
@@ -50,15 +58,16 @@ bool operator==(const Section& a, const Section& b) {
 }
 
 std::vector<Section> sections_of(const RecordType& config_type) {
-    const auto types = config_type.resolve_types();
+    const std::vector<DeclaredType> types = resolved_types(config_type);
     std::vector<Section> sections;
+    sections.reserve(types.size());
     for (const FieldDecl& field : config_type.fields()) {
         auto about = field.metadata()[_SECTION].get_if<SectionSetting>();
         if (about == nullptr) {
             throw TypeError(field.name() +
                             " is not a section: declare it with section(kind, doc, ...)");
         }
-        const RecordType& kind = types.at(field.name()).record_type();
+        const RecordType& kind = types[sections.size()].record_type();
         std::vector<Key> keys = _keys_of(field.name(), kind, *about);
         sections.emplace_back(field.name(), kind, std::move(about), std::move(keys));
     }
@@ -67,16 +76,18 @@ std::vector<Section> sections_of(const RecordType& config_type) {
 
 std::vector<Key> _keys_of(const std::string& name, const RecordType& kind,
                           const SectionSetting& about) {
-    const auto types = kind.resolve_types();
+    const std::vector<DeclaredType> types = resolved_types(kind);
     std::vector<Key> keys;
+    keys.reserve(types.size());
+    std::string label = name + ".";
     for (const FieldDecl& field : kind.fields()) {
-        const std::string label = name + "." + field.name();
+        label.replace(name.size() + 1, std::string::npos, field.name());
         auto setting = field.metadata()[_SETTING].get_if<Setting>();
         if (setting == nullptr) {
             throw TypeError(label +
                             " is not described: declare it with setting(default, doc, ...)");
         }
-        const KeyKind key_kind = _kind_of(types.at(field.name()), label);
+        const KeyKind key_kind = _kind_of(types[keys.size()], label);
         const Restart restart = setting->restart().value_or(about.restart());
         keys.emplace_back(name, field.name(), key_kind, restart, std::move(setting), kind);
     }

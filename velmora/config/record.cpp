@@ -35,23 +35,36 @@ thread_local int Level::levels_ = 0;
 
 }  // namespace
 
-void detail::RecordDraft::take_default(std::size_t position) {
-    const FieldDecl& field = type_.fields()[position];
-    if (const ConfigValue* value = field.default_value()) {
-        values_[position].held_.emplace<ConfigValue>(*value);
-    } else if (const DefaultFactory* make = field.default_factory()) {
-        const Level level(type_);
-        values_[position] = (*make)();
-    } else {
-        throw TypeError(type_.name() + " needs a value for its field " +
-                        utils::quoted_text(field.name()));
+void detail::RecordDraft::give_out_of_order(std::size_t position, FieldValue value) {
+    if (position >= values_.size()) {
+        values_.resize(position + 1, FieldValue());
+        has_gaps_ = true;
     }
+    values_[position] = std::move(value);
+}
+
+FieldValue detail::RecordDraft::default_of(const FieldDecl& field) const {
+    if (const ConfigValue* value = field.default_value()) return *value;
+    if (const DefaultFactory* make = field.default_factory()) {
+        const Level level(type_);
+        return (*make)();
+    }
+    throw TypeError(type_.name() + " needs a value for its field " +
+                    utils::quoted_text(field.name()));
 }
 
 Record detail::RecordDraft::finish() && {
-    for (std::size_t i = 0; i < values_.size(); ++i) {
-        const bool given = !std::holds_alternative<std::monostate>(values_[i].held_);
-        if (!given) take_default(i);
+    const std::vector<FieldDecl>& fields = type_.fields();
+    for (std::size_t i = 0; has_gaps_ && i < values_.size(); ++i) {
+        if (std::holds_alternative<std::monostate>(values_[i].held_))
+            values_[i] = default_of(fields[i]);
+    }
+    for (std::size_t i = values_.size(); i < fields.size(); ++i) {
+        if (const ConfigValue* value = fields[i].default_value()) {
+            values_.emplace_back(*value);
+        } else {
+            values_.push_back(default_of(fields[i]));
+        }
     }
     return {std::move(type_), std::move(values_), std::move(section_)};
 }

@@ -83,7 +83,7 @@ class FieldValue {
 public:
     template <class T>
     requires std::convertible_to<T, ConfigValue> FieldValue(T&& value)
-        : held_(ConfigValue(std::forward<T>(value))) {}
+        : held_(std::in_place_type<ConfigValue>, std::forward<T>(value)) {}
     FieldValue(Record record)
         : held_(utils::NotNull<Record>(std::make_shared<const Record>(std::move(record)))) {}
 

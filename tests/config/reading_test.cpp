@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "support.hpp"
+#include "velmora/config/coercers.hpp"
 #include "velmora/utils/logging.hpp"
 
 namespace velmora::config {
@@ -48,6 +49,20 @@ TEST(KeyCoerce, NamesTheKeyAndShowsTheValue) {
     };
     for (const auto& [key, value, expected] : cases)
         EXPECT_EQ(outcome([&, &k = key, &v = value] { return k.coerce(v); }), expected);
+}
+
+TEST(KeyCoerce, AgreesWithTheCoercerOfItsKind) {
+    const Integer above = Integer::parse("9223372036854775808").value();
+    const ConfigValue values[] = {nullptr,   true, 7,     above,     huge,    0.5,      test::inf,
+                                  test::nan, "7",  " x ", List{"a"}, List{1}, Mapping{}};
+    for (const auto& [kind, coerce] : _COERCERS) {
+        for (const ConfigValue& value : values) {
+            const std::string own = outcome([&, &as_kind = coerce] { return as_kind(value); });
+            const std::string text = outcome([&, &its_kind = kind] { return key_of(its_kind).coerce(value); });
+            const bool refused = text.starts_with("ConfigKeyError: ") && own.find("Error: ") != std::string::npos;
+            EXPECT_TRUE(text == own || refused) << kind << ": " << own << ", but " << text;
+        }
+    }
 }
 
 class SectionRead : public testing::Test {

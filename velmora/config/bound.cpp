@@ -43,14 +43,7 @@ void Bound::settle() {
     if (lower && upper) doubles_ = {*lower, *upper};
 }
 
-bool Bound::admits(const ConfigValue& value) const {
-    const auto* integer = integers_ ? value.get_if<Integer>() : nullptr;
-    if (const auto whole = integer != nullptr ? integer->as<std::int64_t>() : std::nullopt)
-        return *whole >= integers_->first && *whole <= integers_->second;
-    if (const auto* real = doubles_ ? value.get_if<double>() : nullptr) {
-        const bool high_enough = low_open_ ? *real > doubles_->first : *real >= doubles_->first;
-        return high_enough && *real <= doubles_->second;
-    }
+bool Bound::admits_any(const ConfigValue& value) const {
     const Number number = number_of(value);
     if (!(low_open_ ? number > low_ : number >= low_)) return false;
     return !high_ || number <= *high_;

@@ -39,7 +39,17 @@ public:
 
     /// Whether `value` is in range, compared exactly; NaN never is. A flag counts as 1 or 0. Throws
     /// TypeError for a value that is neither a number nor a flag.
-    bool admits(const ConfigValue& value) const;
+    bool admits(const ConfigValue& value) const {
+        if (const auto* integer = integers_ ? value.get_if<Integer>() : nullptr) {
+            if (const auto whole = integer->as<std::int64_t>())
+                return *whole >= integers_->first && *whole <= integers_->second;
+        }
+        if (const auto* real = doubles_ ? value.get_if<double>() : nullptr) {
+            const bool high_enough = low_open_ ? *real > doubles_->first : *real >= doubles_->first;
+            return high_enough && *real <= doubles_->second;
+        }
+        return admits_any(value);
+    }
 
     /// The bound as the end of a sentence: "above 0", "at least 1 and at most 65535". Throws
     /// OverflowError when an end is an integer beyond the range of doubles.
@@ -51,6 +61,7 @@ public:
 
 private:
     void settle();
+    bool admits_any(const ConfigValue& value) const;
 
     Number low_;
     std::optional<Number> high_;

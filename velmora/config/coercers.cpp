@@ -1,5 +1,6 @@
 #include "velmora/config/coercers.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -143,6 +144,8 @@ ConfigValue _coerce_list(const ConfigValue& value) {
         return List(utils::split_csv<ConfigValue>(*text));
     const auto* list = value.get_if<List>();
     if (list == nullptr) refuse_interpreting(value, "list");
+    const auto is_text = [](const ConfigValue& item) { return item.get_if<std::string>(); };
+    if (std::all_of(list->begin(), list->end(), is_text)) return list->copy();
     std::vector<ConfigValue> items;
     items.reserve(list->size());
     for (const ConfigValue& item : *list) items.emplace_back(plain_text(item));

@@ -1,8 +1,12 @@
 // The one check of a key's value, and the reading of a section.
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <exception>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -47,6 +51,27 @@ ConfigValue coerce_to_kind(const Key& key, const ConfigValue& value) {
     }
 }
 
+// Whether the coercer of `kind` gives `value` back as it is; maybe also when this is false.
+bool is_of_kind(const ConfigValue& value, KeyKind kind) {
+    switch (kind) {
+        case KeyKind::bool_:
+            return value.get_if<bool>() != nullptr;
+        case KeyKind::int_: {
+            const auto* integer = value.get_if<Integer>();
+            return integer != nullptr && integer->as<std::int64_t>();
+        }
+        case KeyKind::float_: {
+            const auto* real = value.get_if<double>();
+            return real != nullptr && std::isfinite(*real);
+        }
+        case KeyKind::str:
+            return value.get_if<std::string>() != nullptr;
+        case KeyKind::list:
+            break;
+    }
+    return false;
+}
+
 bool is_one_of(const ConfigValue& value, const std::vector<std::string>& choices) {
     const auto* text = value.get_if<std::string>();
     return text != nullptr && utils::is_one_of(*text, choices);
@@ -64,16 +89,23 @@ public:
     // Keeps a handle of its own: a sink that is warned may let go of what is being read.
     explicit KeyedValues(Mapping data) : data_(std::move(data)) {}
 
-    const ConfigValue* find(const std::string& name) {
+    const ConfigValue* find(std::string_view name) {
         const Mapping::Entry* entry = data_.begin() + next_;
-        const auto* next_name = next_ < data_.size() ? entry->key.get_if<std::string>() : nullptr;
-        if (next_name == nullptr || *next_name != name) entry = data_.find_entry(name);
-        if (entry == nullptr) return nullptr;
-        next_ = static_cast<std::size_t>(entry - data_.begin()) + 1;
+        if (entry == data_.end() || !is_under(name, *entry)) {
+            entry = data_.find_entry(name);
+            if (entry == nullptr) return nullptr;
+            next_ = static_cast<std::size_t>(entry - data_.begin());
+        }
+        ++next_;
         return &entry->value;
     }
 
 private:
+    static bool is_under(std::string_view name, const Mapping::Entry& entry) {
+        const auto* text = entry.key.get_if<std::string>();
+        return text != nullptr && utils::same_name(*text, name);
+    }
+
     Mapping data_;
     std::size_t next_ = 0;
 };
@@ -84,7 +116,15 @@ ConfigValue Key::default_value() const {
     return owner_.make().get<ConfigValue>(name_);
 }
 
+bool Key::keeps(const ConfigValue& value) const {
+    if (!is_of_kind(value, kind_)) return false;
+    const std::vector<std::string>& choices = setting_->choices();
+    const std::optional<Bound>& bounds = setting_->bounds();
+    return (choices.empty() || is_one_of(value, choices)) && (!bounds || bounds->admits(value));
+}
+
 ConfigValue Key::coerce(const ConfigValue& value) const {
+    if (keeps(value)) return value;
     ConfigValue coerced = coerce_to_kind(*this, value);
     const std::vector<std::string>& choices = setting_->choices();
     if (!choices.empty() && !is_one_of(coerced, choices))
@@ -111,9 +151,13 @@ Record Section::read(const ConfigValue& data) const {
         const ConfigValue* raw = given.find(key.name());
         if (raw == nullptr) continue;
         try {
-            ConfigValue value = key.coerce(*raw);
             const bool known = positions_[i] != no_position;
-            draft.give(known ? positions_[i] : kind_.position_of(key.name()), std::move(value));
+            if (known && key.keeps(*raw)) {
+                draft.give(positions_[i], *raw);
+            } else {
+                ConfigValue value = key.coerce(*raw);
+                draft.give(known ? positions_[i] : kind_.position_of(key.name()), std::move(value));
+            }
         } catch (const ConfigKeyError& error) {
             log().warning("Ignoring %s in the config file: %s; keeping the default %r", key.label(),
                           error, key.default_value());

@@ -66,6 +66,11 @@ public:
     VELMORA_EXPORT friend bool operator==(const Key& a, const Key& b);
 
 private:
+    friend class Section;
+
+    /// Whether `coerce` gives `value` back as it is, as it may also do when this is false.
+    bool keeps(const ConfigValue& value) const;
+
     std::string section_;
     std::string name_;
     KeyKind kind_;

@@ -56,13 +56,22 @@ struct Typed {
 
 // Texts, to be parsed.
 struct Spelled {
+    // Of what is no text, std::get throws.
     static std::optional<std::int64_t> integer(const Value& value) {
-        return parse_integer(*text(value));
+        return parse_integer(std::get<std::string>(value));
     }
-    static std::optional<double> real(const Value& value) { return parse_real(*text(value)); }
-    static std::optional<bool> flag(const Value& value) { return parse_flag(*text(value)); }
-    static std::optional<std::string_view> text(const Value& value) { return Typed::text(value); }
-    static std::optional<Texts> list(const Value& value) { return split(*text(value)); }
+    static std::optional<double> real(const Value& value) {
+        return parse_real(std::get<std::string>(value));
+    }
+    static std::optional<bool> flag(const Value& value) {
+        return parse_flag(std::get<std::string>(value));
+    }
+    static std::optional<std::string_view> text(const Value& value) {
+        return std::get<std::string>(value);
+    }
+    static std::optional<Texts> list(const Value& value) {
+        return split(std::get<std::string>(value));
+    }
 };
 
 // Looks at the entry behind the one found last before it searches.

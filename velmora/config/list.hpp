@@ -52,7 +52,7 @@ public:
     /// gives all items: a list of one list is List{ConfigValue(list)}.
     template <class... Items>
     requires detail::ListItems<Items...>
-    explicit List(Items&&... items) : List() { (push_back(std::forward<Items>(items)), ...); }
+    explicit List(Items&&... items);
     template <detail::MakesValue T>
     explicit List(std::vector<T> items);
 
@@ -84,8 +84,9 @@ private:
     friend class ConfigValue;
     class Data;
 
+    explicit List(detail::Handle handle) noexcept : handle_(std::move(handle)) {}
+
     inline Data& data() const noexcept;
-    void take(std::vector<ConfigValue> items) noexcept;
 
     detail::Handle handle_;
 };

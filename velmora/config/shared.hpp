@@ -26,7 +26,10 @@ public:
 
     void acquire() noexcept { leader_->handles_.fetch_add(1, std::memory_order_relaxed); }
     void release() noexcept {
-        if (leader_->handles_.fetch_sub(1, std::memory_order_acq_rel) == 1) leader_->free_group();
+        // The last one has no others to race with.
+        if (leader_->handles_.load(std::memory_order_acquire) == 1 ||
+            leader_->handles_.fetch_sub(1, std::memory_order_acq_rel) == 1)
+            leader_->free_group();
     }
 
     /// Whether the object has ever been on a circle: no other is reached from itself.
@@ -47,7 +50,7 @@ private:
     void free_group() noexcept;
 
     bool was_on_circle_ = false;
-    std::atomic<std::size_t> handles_ = 0;  ///< The counted ones of the group, kept by its leader.
+    std::atomic<std::size_t> handles_ = 1;  ///< The counted ones of the group, kept by its leader.
     Shared* leader_ = this;
     Shared* next_ = this;  ///< The next member: the last one's is the first. When freed, the next
                            ///< object to be freed.
@@ -56,8 +59,9 @@ private:
 /// Owns an object, together with all copies of the handle; empty once moved from.
 class Handle {
 public:
-    explicit Handle(Shared* object) noexcept : object_(object) { object_->acquire(); }
-    Handle(const Handle& other) noexcept : Handle(other.object_) {}
+    /// The first one of a new object.
+    explicit Handle(Shared* object) noexcept : object_(object) {}
+    Handle(const Handle& other) noexcept : object_(other.object_) { object_->acquire(); }
     Handle(Handle&& other) noexcept
         : object_(std::exchange(other.object_, nullptr)),
           counted_(std::exchange(other.counted_, false)) {}

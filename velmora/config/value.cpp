@@ -6,18 +6,50 @@ namespace velmora::config {
 
 ConfigValue::ConfigValue(const Number& number) {
     if (const Integer* integer = number.if_integer()) {
-        value_ = *integer;
+        hold<Integer>(*integer);
     } else {
-        value_ = *number.if_double();
+        hold<double>(*number.if_double());
     }
 }
 
 ConfigValue::ConfigValue(const char* text) {
-    if (text != nullptr) value_ = std::string(text);
+    if (text != nullptr) hold<std::string>(text);
+}
+
+void ConfigValue::hold_owned(const ConfigValue& other) {
+    if (other.type_ == Type::text) {
+        hold<std::string>(other.held_.text);
+    } else if (other.type_ == Type::list) {
+        hold<List>(other.held_.list);
+    } else {
+        hold<Mapping>(other.held_.mapping);
+    }
+}
+
+void ConfigValue::hold_owned(ConfigValue&& other) noexcept {
+    if (other.type_ == Type::text) {
+        hold<std::string>(std::move(other.held_.text));
+    } else if (other.type_ == Type::list) {
+        hold<List>(std::move(other.held_.list));
+    } else {
+        hold<Mapping>(std::move(other.held_.mapping));
+    }
+}
+
+void ConfigValue::destroy_owned() noexcept {
+    if (type_ == Type::text) {
+        std::destroy_at(&held_.text);
+    } else if (type_ == Type::list) {
+        std::destroy_at(&held_.list);
+    } else {
+        std::destroy_at(&held_.mapping);
+    }
 }
 
 ConfigValue& ConfigValue::operator=(ConfigValue&& other) noexcept {
-    value_ = std::exchange(other.value_, std::monostate{});
+    ConfigValue taken(std::move(other));
+    const ConfigValue replaced(std::move(*this));  // Last to go: `other` may be a part of it.
+    hold_that_of(std::move(taken));
     return *this;
 }
 
@@ -27,8 +59,8 @@ std::string_view ConfigValue::type_text() const noexcept {
 }
 
 detail::Handle* ConfigValue::handle() noexcept {
-    if (auto* list = std::get_if<List>(&value_)) return &list->handle_;
-    if (auto* mapping = std::get_if<Mapping>(&value_)) return &mapping->handle_;
+    if (type_ == Type::list) return &held_.list.handle_;
+    if (type_ == Type::mapping) return &held_.mapping.handle_;
     return nullptr;
 }
 

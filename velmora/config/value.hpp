@@ -8,7 +8,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
-#include <limits>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,24 +32,34 @@ public:
     ConfigValue() noexcept = default;
     ConfigValue(std::nullptr_t) noexcept {}
     template <std::same_as<bool> Flag>
-    ConfigValue(Flag flag) noexcept : value_(flag) {}
+    ConfigValue(Flag flag) noexcept {
+        hold<bool>(flag);
+    }
     template <BuiltinInteger I>
-    ConfigValue(I integer) : value_(Integer(integer)) {}
+    ConfigValue(I integer) {
+        hold<Integer>(integer);
+    }
     template <BuiltinFloat F>
-    ConfigValue(F real) noexcept : value_(double{real}) {}
-    ConfigValue(Integer integer) noexcept : value_(std::move(integer)) {}
+    ConfigValue(F real) noexcept {
+        hold<double>(real);
+    }
+    ConfigValue(Integer integer) noexcept { hold<Integer>(std::move(integer)); }
     ConfigValue(const Number& number);
-    ConfigValue(std::string text) noexcept : value_(std::move(text)) {}
-    ConfigValue(std::string_view text) : value_(std::string(text)) {}
+    ConfigValue(std::string text) noexcept { hold<std::string>(std::move(text)); }
+    ConfigValue(std::string_view text) { hold<std::string>(text); }
     /// A null pointer, as std::getenv may return it, makes null.
     ConfigValue(const char* text);
     ConfigValue(char* text) : ConfigValue(static_cast<const char*>(text)) {}
     template <std::same_as<std::filesystem::path> Path>
-    ConfigValue(const Path& path) : value_(path.string()) {}
-    ConfigValue(List list) noexcept : value_(std::move(list)) {}
+    ConfigValue(const Path& path) {
+        hold<std::string>(path.string());
+    }
+    ConfigValue(List list) noexcept { hold<List>(std::move(list)); }
     template <detail::MakesValue T>
-    ConfigValue(std::vector<T> items) : value_(List(std::move(items))) {}
-    ConfigValue(Mapping mapping) noexcept : value_(std::move(mapping)) {}
+    ConfigValue(std::vector<T> items) {
+        hold<List>(std::move(items));
+    }
+    ConfigValue(Mapping mapping) noexcept { hold<Mapping>(std::move(mapping)); }
     /// Null when `value` is empty.
     template <detail::MakesValue T>
     ConfigValue(std::optional<T> value) {
@@ -58,21 +68,25 @@ public:
     template <class T>
     ConfigValue(T*) = delete;
 
-    ConfigValue(const ConfigValue&) = default;
-    ConfigValue(ConfigValue&& other) noexcept : value_(std::move(other.value_)) {
-        other.value_.emplace<std::monostate>();
+    ConfigValue(const ConfigValue& other) { hold_that_of(other); }
+    ConfigValue(ConfigValue&& other) noexcept {
+        hold_that_of(std::move(other));
+        other.become_null();  // NOLINT(bugprone-use-after-move): of what is left.
     }
     ConfigValue& operator=(const ConfigValue& other) { return *this = ConfigValue(other); }
     ConfigValue& operator=(ConfigValue&& other) noexcept;
-    ~ConfigValue() = default;
+    ~ConfigValue() { become_null(); }
 
-    bool is_null() const noexcept { return std::holds_alternative<std::monostate>(value_); }
+    bool is_null() const noexcept { return type_ == Type::null; }
 
     /// What the value holds when it is an `Alternative`: bool, Integer, double, std::string, List
     /// or Mapping; else null.
     template <class Alternative>
     const Alternative* get_if() const noexcept {
-        return std::get_if<Alternative>(&value_);
+        static_assert(type_of<Alternative> != Type::null, "no value holds this type");
+        return type_ == type_of<Alternative>
+                   ? static_cast<const Alternative*>(static_cast<const void*>(&held_))
+                   : nullptr;
     }
 
     /// The value as a `T` when it is one, without any conversion between types of value: bool, a
@@ -103,7 +117,24 @@ public:
     /// std::string, List or Mapping.
     template <class Visitor>
     decltype(auto) visit(Visitor&& visitor) const {
-        return std::visit(std::forward<Visitor>(visitor), value_);
+        switch (type_) {
+            case Type::flag:
+                return std::forward<Visitor>(visitor)(held_.flag);
+            case Type::integer:
+                return std::forward<Visitor>(visitor)(held_.integer);
+            case Type::real:
+                return std::forward<Visitor>(visitor)(held_.real);
+            case Type::text:
+                return std::forward<Visitor>(visitor)(held_.text);
+            case Type::list:
+                return std::forward<Visitor>(visitor)(held_.list);
+            case Type::mapping:
+                return std::forward<Visitor>(visitor)(held_.mapping);
+            case Type::null:
+                break;
+        }
+        static constexpr std::monostate null;
+        return std::forward<Visitor>(visitor)(null);
     }
 
     /// Agrees with `==`. Lists and mappings are hashed by their size and, near the top, their
@@ -120,75 +151,71 @@ private:
     friend class List;
     friend class Mapping;
 
+    enum class Type : unsigned char { null, flag, integer, real, text, list, mapping };
+
+    // What a std::variant would hold, but scalars are copied and destroyed without a call.
+    union Held {
+        Held() noexcept : null() {}
+        // NOLINTNEXTLINE(modernize-use-equals-default): that would be a deleted one.
+        ~Held() {}
+
+        std::monostate null;
+        bool flag;
+        Integer integer;
+        double real;
+        std::string text;
+        List list;
+        Mapping mapping;
+    };
+
+    template <class T>
+    static constexpr Type type_of = std::same_as<T, bool>          ? Type::flag
+                                    : std::same_as<T, Integer>     ? Type::integer
+                                    : std::same_as<T, double>      ? Type::real
+                                    : std::same_as<T, std::string> ? Type::text
+                                    : std::same_as<T, List>        ? Type::list
+                                    : std::same_as<T, Mapping>     ? Type::mapping
+                                                                   : Type::null;
+
+    /// Of a value that is null, as those below.
+    template <class T, class... Arguments>
+    void hold(Arguments&&... arguments) {
+        std::construct_at(static_cast<T*>(static_cast<void*>(&held_)),
+                          std::forward<Arguments>(arguments)...);
+        type_ = type_of<T>;
+    }
+
+    template <class Other>
+    void hold_that_of(Other&& other) {
+        if (other.type_ == Type::integer) {
+            hold<Integer>(std::forward<Other>(other).held_.integer);
+        } else if (other.type_ == Type::real) {
+            hold<double>(other.held_.real);
+        } else if (other.type_ == Type::flag) {
+            hold<bool>(other.held_.flag);
+        } else if (other.type_ != Type::null) {
+            hold_owned(std::forward<Other>(other));
+        }
+    }
+    void hold_owned(const ConfigValue& other);
+    void hold_owned(ConfigValue&& other) noexcept;
+
+    void become_null() noexcept {
+        if (type_ == Type::integer) {
+            std::destroy_at(&held_.integer);
+        } else if (type_ >= Type::text) {
+            destroy_owned();
+        }
+        type_ = Type::null;
+    }
+    void destroy_owned() noexcept;
+
     /// The handle of the list or the mapping that the value is, else null.
     detail::Handle* handle() noexcept;
 
-    std::variant<std::monostate, bool, Integer, double, std::string, List, Mapping> value_;
+    Type type_ = Type::null;
+    Held held_;
 };
-
-struct Mapping::Entry {
-    Entry(ConfigValue its_key, ConfigValue its_value)
-        : key(std::move(its_key)), value(std::move(its_value)) {}
-
-    ConfigValue key;
-    ConfigValue value;
-};
-
-class List::Data : public detail::Shared {
-public:
-    std::vector<ConfigValue> items;
-
-private:
-    detail::Handle* next_handle(std::size_t& position) noexcept override;
-};
-
-List::Data& List::data() const noexcept {
-    return static_cast<Data&>(*handle_.get());
-}
-
-inline std::size_t List::size() const noexcept {
-    return data().items.size();
-}
-inline const ConfigValue* List::begin() const noexcept {
-    return data().items.data();
-}
-inline const ConfigValue* List::end() const noexcept {
-    return begin() + size();
-}
-inline const ConfigValue& List::operator[](std::size_t index) const noexcept {
-    return data().items[index];
-}
-
-/// What a mapping holds, beside what finds it.
-struct Mapping::Entries : detail::Shared {
-    std::vector<Entry> entries;
-};
-
-const Mapping::Entries& Mapping::entries() const noexcept {
-    return static_cast<const Entries&>(*handle_.get());
-}
-
-inline std::size_t Mapping::size() const noexcept {
-    return entries().entries.size();
-}
-inline const Mapping::Entry* Mapping::begin() const noexcept {
-    return entries().entries.data();
-}
-inline const Mapping::Entry* Mapping::end() const noexcept {
-    return begin() + size();
-}
-
-template <detail::MakesValue T>
-List::List(std::vector<T> items) : List() {
-    if constexpr (std::same_as<T, ConfigValue>) {
-        take(std::move(items));
-    } else {
-        std::vector<ConfigValue> values;
-        values.reserve(items.size());
-        for (auto&& item : items) values.push_back(static_cast<T&&>(item));
-        take(std::move(values));
-    }
-}
 
 }  // namespace velmora::config
 
@@ -197,4 +224,5 @@ struct std::hash<velmora::config::ConfigValue> {
     std::size_t operator()(const velmora::config::ConfigValue& value) const { return value.hash(); }
 };
 
+#include "velmora/config/items.hpp"     // What lists and mappings hold.
 #include "velmora/config/value_as.hpp"  // The members that read a value as a C++ type.

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "velmora/config/display.hpp"
+#include "velmora/config/record_draft.hpp"
 #include "velmora/utils/hash.hpp"
 #include "velmora/utils/quoting.hpp"
 
@@ -45,7 +46,7 @@ FieldDetails detail::describe_key(ConfigValue default_value, std::string&& doc,
                       Descriptor(std::make_shared<Setting>(std::move(doc), std::move(options))));
     const auto* list = default_value.get_if<List>();
     if (list == nullptr) return {std::move(default_value), std::move(metadata)};
-    return {DefaultFactory([items = list->copy()] { return items.copy(); }), std::move(metadata)};
+    return {DefaultFactory(ListDefault{list->copy()}), std::move(metadata)};
 }
 
 FieldDetails section(RecordType kind, detail::Doc doc, SectionOptions options) {

@@ -86,18 +86,27 @@ std::string joined_in_order(std::vector<std::string> texts) {
 // declaration, so the entry behind the one found last is looked at before any search.
 class KeyedValues {
 public:
-    // Keeps a handle of its own: a sink that is warned may let go of what is being read.
-    explicit KeyedValues(Mapping data) : data_(std::move(data)) {}
+    explicit KeyedValues(const Mapping& data)
+        : data_(data), next_(data.begin()), end_(data.end()) {}
 
     const ConfigValue* find(std::string_view name) {
-        const Mapping::Entry* entry = data_.begin() + next_;
-        if (entry == data_.end() || !is_under(name, *entry)) {
-            entry = data_.find_entry(name);
+        const Mapping::Entry* entry = next_;
+        if (entry == end_ || !is_under(name, *entry)) {
+            entry = (kept_ ? *kept_ : data_).find_entry(name);
             if (entry == nullptr) return nullptr;
-            next_ = static_cast<std::size_t>(entry - data_.begin());
         }
-        ++next_;
+        next_ = entry + 1;
         return &entry->value;
+    }
+
+    // Calls `warn`, whose sink may let go of what is being read, or add to it.
+    template <class Warn>
+    void outlive(Warn warn) {
+        if (!kept_) kept_ = data_;
+        const std::ptrdiff_t position = next_ - kept_->begin();
+        warn();
+        next_ = kept_->begin() + position;
+        end_ = kept_->end();
     }
 
 private:
@@ -106,8 +115,10 @@ private:
         return text != nullptr && utils::same_name(*text, name);
     }
 
-    Mapping data_;
-    std::size_t next_ = 0;
+    const Mapping& data_;
+    std::optional<Mapping> kept_;  // A handle of its own, once it may be the last one.
+    const Mapping::Entry* next_;
+    const Mapping::Entry* end_;
 };
 
 }  // namespace
@@ -124,7 +135,10 @@ bool Key::keeps(const ConfigValue& value) const {
 }
 
 ConfigValue Key::coerce(const ConfigValue& value) const {
-    if (keeps(value)) return value;
+    return keeps(value) ? value : converted(value);
+}
+
+ConfigValue Key::converted(const ConfigValue& value) const {
     ConfigValue coerced = coerce_to_kind(*this, value);
     const std::vector<std::string>& choices = setting_->choices();
     if (!choices.empty() && !is_one_of(coerced, choices))
@@ -146,21 +160,24 @@ Record Section::read(const ConfigValue& data) const {
         return std::move(draft).finish();
     }
     KeyedValues given(*mapping);
-    for (std::size_t i = 0; i < keys_.size(); ++i) {
-        const Key& key = keys_[i];
+    const std::size_t* next_position = positions_.data();
+    for (const Key& key : keys_) {
+        const std::size_t position = *next_position++;
         const ConfigValue* raw = given.find(key.name());
         if (raw == nullptr) continue;
+        const bool known = position != no_position;
+        if (known && key.keeps(*raw)) {
+            draft.give(position, *raw);
+            continue;
+        }
         try {
-            const bool known = positions_[i] != no_position;
-            if (known && key.keeps(*raw)) {
-                draft.give(positions_[i], *raw);
-            } else {
-                ConfigValue value = key.coerce(*raw);
-                draft.give(known ? positions_[i] : kind_.position_of(key.name()), std::move(value));
-            }
+            ConfigValue value = key.converted(*raw);
+            draft.give(known ? position : kind_.position_of(key.name()), std::move(value));
         } catch (const ConfigKeyError& error) {
-            log().warning("Ignoring %s in the config file: %s; keeping the default %r", key.label(),
-                          error, key.default_value());
+            given.outlive([&] {
+                log().warning("Ignoring %s in the config file: %s; keeping the default %r",
+                              key.label(), error, key.default_value());
+            });
         }
     }
     return std::move(draft).finish();

@@ -1,6 +1,7 @@
 #include "velmora/config/record.hpp"
 
 #include <ostream>
+#include <span>
 #include <utility>
 
 #include "velmora/config/display.hpp"
@@ -33,11 +34,18 @@ private:
 
 thread_local int Level::levels_ = 0;
 
+// Null for every other default.
+const detail::ListDefault* list_default(const FieldDecl& field) {
+    const DefaultFactory* make = field.default_factory();
+    return make != nullptr ? make->target<detail::ListDefault>() : nullptr;
+}
+
 }  // namespace
 
 void detail::RecordDraft::give_out_of_order(std::size_t position, FieldValue value) {
-    if (position >= values_.size()) {
+    if (position >= next_) {
         values_.resize(position + 1, FieldValue());
+        next_ = position + 1;
         has_gaps_ = true;
     }
     values_[position] = std::move(value);
@@ -59,19 +67,22 @@ Record detail::RecordDraft::finish() && {
         if (std::holds_alternative<std::monostate>(values_[i].held_))
             values_[i] = default_of(fields[i]);
     }
-    for (std::size_t i = values_.size(); i < fields.size(); ++i) {
-        if (const ConfigValue* value = fields[i].default_value()) {
+    for (const FieldDecl& field : std::span(fields).subspan(next_)) {
+        if (const ConfigValue* value = field.default_value()) {
             values_.emplace_back(*value);
+        } else if (const ListDefault* list = list_default(field)) {
+            values_.emplace_back(list->items.copy());
         } else {
-            values_.push_back(default_of(fields[i]));
+            values_.push_back(default_of(field));
         }
     }
-    return {std::move(type_), std::move(values_), std::move(section_)};
+    return {type_, std::move(values_), std::move(section_)};
 }
 
-Record::Record(RecordType type, std::vector<FieldValue> values,
+// NOLINTNEXTLINE(modernize-pass-by-value): to move a type is to copy it.
+Record::Record(const RecordType& type, std::vector<FieldValue> values,
                std::shared_ptr<const std::string> section)
-    : type_(std::move(type)), values_(std::move(values)), section_(std::move(section)) {}
+    : type_(type), values_(std::move(values)), section_(std::move(section)) {}
 
 Record& Record::operator=(Record other) noexcept {
     std::swap(type_, other.type_);

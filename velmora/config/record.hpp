@@ -65,7 +65,7 @@ public:
 private:
     friend class detail::RecordDraft;
 
-    Record(RecordType type, std::vector<FieldValue> values,
+    Record(const RecordType& type, std::vector<FieldValue> values,
            std::shared_ptr<const std::string> section);
 
     std::size_t position(std::string_view field) const;

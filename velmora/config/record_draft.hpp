@@ -11,19 +11,29 @@
 
 namespace velmora::config::detail {
 
+/// The factory of a list default, known as such so that its copy is made in its place.
+struct ListDefault {
+    List items;
+
+    FieldValue operator()() const { return items.copy(); }
+};
+
 class RecordDraft {
 public:
     /// `section` is the name that messages call the record by, null for that of its type.
-    explicit RecordDraft(RecordType type, std::shared_ptr<const std::string> section = nullptr)
-        : type_(std::move(type)), section_(std::move(section)) {
+    // NOLINTNEXTLINE(modernize-pass-by-value): to move a type is to copy it.
+    explicit RecordDraft(const RecordType& type,
+                         std::shared_ptr<const std::string> section = nullptr)
+        : type_(type), section_(std::move(section)) {
         values_.reserve(type_.fields().size());
     }
 
     /// Gives the field at `position`, which must exist, its value.
     template <class Value>
     void give(std::size_t position, Value&& value) {
-        if (position == values_.size()) {
+        if (position == next_) {
             values_.emplace_back(std::forward<Value>(value));
+            ++next_;
         } else {
             give_out_of_order(position, std::forward<Value>(value));
         }
@@ -41,6 +51,7 @@ private:
     std::shared_ptr<const std::string> section_;
     /// Of the fields up to the last one that was given a value.
     std::vector<FieldValue> values_;
+    std::size_t next_ = 0;   ///< Their number.
     bool has_gaps_ = false;  ///< Whether one of these may have none yet.
 };
 

@@ -70,6 +70,8 @@ private:
 
     /// Whether `coerce` gives `value` back as it is, as it may also do when this is false.
     bool keeps(const ConfigValue& value) const;
+    /// What `coerce` makes of `value`, without asking first whether the key keeps it.
+    ConfigValue converted(const ConfigValue& value) const;
 
     std::string section_;
     std::string name_;

@@ -38,8 +38,10 @@ inline bool same_name(std::string_view a, std::string_view b) noexcept {
 /// Whether `text` is among `words`, any range of texts.
 template <class Words>
 bool is_one_of(std::string_view text, const Words& words) {
-    return std::any_of(std::begin(words), std::end(words),
-                       [text](std::string_view word) { return same_name(text, word); });
+    for (const std::string_view word : words) {
+        if (same_name(text, word)) return true;
+    }
+    return false;
 }
 
 /// The texts of a range, with `separator` between each two.

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "velmora/config/display.hpp"
+#include "velmora/utils/read_file.hpp"
 
 namespace velmora::yaml {
 namespace {
@@ -229,6 +230,7 @@ TEST(LoadFile, ReadsAFileOrSaysWhyNot) {
     EXPECT_EQ(error.column(), 6U);
     std::ofstream(name) << "a: " << std::string(100'000, 'x');
     EXPECT_EQ(load_file(name), ConfigValue(Mapping{{"a", std::string(100'000, 'x')}}));
+    EXPECT_EQ(utils::read_file(name, 50'000), "a: " + std::string(49'997, 'x'));
     std::filesystem::remove(name);
     const Error missing = error_in_file(name);
     EXPECT_EQ(missing.message(), name + ": cannot be read: No such file or directory");

@@ -1,10 +1,6 @@
 #include "velmora/yaml/yaml.hpp"
 
 #include <array>
-#include <cerrno>
-#include <cstdio>
-#include <limits>
-#include <memory>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -12,6 +8,7 @@
 #include <yaml-cpp/exceptions.h>
 #include <yaml-cpp/parser.h>
 
+#include "velmora/utils/read_file.hpp"
 #include "velmora/yaml/advice.hpp"
 #include "velmora/yaml/builder.hpp"
 #include "velmora/yaml/parser_text.hpp"
@@ -70,10 +67,6 @@ config::ConfigValue parse(const Source& source) {
     return builder.take_value();
 }
 
-[[noreturn]] void refuse_file(const std::string& name) {
-    throw Error(name, "cannot be read: " + std::generic_category().message(errno));
-}
-
 }  // namespace
 
 Error::Error(std::string_view file, std::size_t line, std::size_t column, std::string_view what)
@@ -92,17 +85,15 @@ config::ConfigValue load(std::string_view text, std::string_view name) {
 }
 
 config::ConfigValue load_file(const std::filesystem::path& path) {
+    // What is one byte too long, behind a byte order mark, is refused whatever follows.
+    constexpr std::size_t enough = most_bytes + 4;
     const std::string name = path.string();
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                               &std::fclose);
-    if (!file) refuse_file(name);
     std::string text;
-    std::array<char, 1U << 14U> part;
-    while (const std::size_t size = std::fread(part.data(), 1, part.size(), file.get())) {
-        text.append(part.data(), size);
-        if (text.size() > most_bytes) break;
+    try {
+        text = utils::read_file(name, enough);
+    } catch (const std::system_error& error) {
+        throw Error(name, "cannot be read: " + error.code().message());
     }
-    if (std::ferror(file.get()) != 0) refuse_file(name);
     return load(text, name);
 }
 

@@ -55,7 +55,9 @@ void Builder::add_leaf(const YAML::Mark& mark) {
     } catch (const ValueError& error) {
         source_.refuse(leaf.offset, error.message());
     }
-    add(leaf, {std::move(value), size});
+    const bool spelled =
+        leaf.tag.empty() && !value.is_null() && value.get_if<std::string>() == nullptr;
+    add(leaf, {std::move(value), size, false, spelled ? leaf.content : Span()});
 }
 
 void Builder::add_alias(const Leaf& leaf) {
@@ -91,9 +93,12 @@ void Builder::open(Frame frame, std::string_view core_tag) {
 }
 
 void Builder::close() {
-    walk_.close();
+    const std::size_t content_size = walk_.close();
     Frame frame = std::move(frames_.back());
     frames_.pop_back();
+    frame.properties.content.size = content_size;
+    if (places_ != nullptr)
+        std::visit([this](const auto& held) { places_->close(held); }, frame.collection);
     if (frame.contains_itself) close_cycle(frame);
     ConfigValue value =
         std::visit([](auto& held) { return ConfigValue(std::move(held)); }, frame.collection);
@@ -119,6 +124,7 @@ void Builder::close_cycle(const Frame& frame) {
 
 void Builder::add(const Properties& properties, Node node) {
     ++nodes_;
+    if (places_ != nullptr) places_->add({properties.content, node.spelling});
     if (!properties.anchor.empty()) anchored_[properties.anchor] = {node};
     if (frames_.empty()) {
         value_ = std::move(node.value);

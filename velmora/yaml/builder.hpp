@@ -12,14 +12,16 @@
 #include <yaml-cpp/mark.h>
 
 #include "velmora/config/value.hpp"
+#include "velmora/yaml/places.hpp"
 #include "velmora/yaml/walk.hpp"
 
 namespace velmora::yaml {
 
 class Builder : public YAML::EventHandler {
 public:
-    /// Both must outlive the builder.
-    Builder(const Source& source, Walk& walk) : source_(source), walk_(walk) {}
+    /// All must outlive the builder. Where parts stand goes to `places`, if it is not null.
+    Builder(const Source& source, Walk& walk, Places* places)
+        : source_(source), walk_(walk), places_(places) {}
 
     config::ConfigValue take_value() { return std::move(value_); }
 
@@ -43,6 +45,7 @@ private:
         config::ConfigValue value = {};
         std::size_t size = 1;  // Values in it, those of aliases included; long texts count more.
         bool cyclic = false;   // Whether it contains a value that contains itself.
+        Span spelling = {};    // As Part's.
     };
 
     // A list or a mapping that is being filled, which is cheap as long as this is its only handle.
@@ -79,6 +82,7 @@ private:
 
     const Source& source_;
     Walk& walk_;
+    Places* places_;
     config::ConfigValue value_;
     std::vector<Frame> frames_;
     std::unordered_map<std::string_view, Anchored> anchored_;

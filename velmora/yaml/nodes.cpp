@@ -12,6 +12,11 @@ bool Walk::is_empty(const Slot& slot) const {
     return at_.is_fresh() && at_.spaces <= slot.indent;
 }
 
+// What lies between `begin` and here, if that is on one line.
+std::size_t Walk::size_from(std::size_t begin) const {
+    return at_.line > begin ? 0 : at_.pos - begin;
+}
+
 void Walk::approach(const Slot& slot) {
     if (slot.one_line) {
         at_.skip_white();
@@ -23,18 +28,22 @@ void Walk::approach(const Slot& slot) {
 }
 
 void Walk::read_properties(Properties& properties, const Slot& slot) {
+    properties.content.offset = at_.pos;
     approach(slot);
     properties.offset = at_.pos;
     while (!is_empty(slot) && at_property()) {
         read_property(properties, slot.flow);
+        properties.content.offset = at_.pos;
         approach(slot);
     }
 }
 
 Leaf Walk::leaf(std::size_t mark) {
+    const std::size_t before = at_.pos;
     const Slot slot = enter(mark);
     Leaf leaf;
     leaf.offset = at_.pos;
+    leaf.content.offset = before;
     quoted_ = false;
     if (slot.absent) return leaf;
     read_properties(leaf, slot);
@@ -44,11 +53,13 @@ Leaf Walk::leaf(std::size_t mark) {
             at_.refuse("nothing is before this: remove it, or write null or ''");
         return leaf;
     }
+    leaf.content.offset = at_.pos;
     const char c = at_.peek();
     if (c == '*') {
         if (!bare) at_.refuse("an alias takes no anchor and no tag");
         ++at_.pos;
         leaf.alias = read_name();
+        leaf.content.size = size_from(leaf.content.offset);
         return leaf;
     }
     leaf.plain = false;
@@ -59,6 +70,7 @@ Leaf Walk::leaf(std::size_t mark) {
         quoted_ = true;
     } else if ((c == '|' || c == '>') && !slot.flow && !slot.one_line) {
         leaf.text = read_block(at_, slot);
+        return leaf;
     } else {
         constexpr std::string_view indicators = "-?:,[]{}#&*!|>'\"%@`";
         const bool may_begin = is_one_of(c, "-?:") && is_plain(at_.peek(1), slot.flow);
@@ -68,6 +80,7 @@ Leaf Walk::leaf(std::size_t mark) {
         leaf.text = read_plain(at_, slot);
         leaf.plain = true;
     }
+    leaf.content.size = size_from(leaf.content.offset);
     return leaf;
 }
 
@@ -84,9 +97,12 @@ Properties Walk::open_mapping(const Opening& opening) {
                              : open_flow(Kind::flow_mapping, slot);
     const bool brace = at_.peek() == '{';
     if (at_property() && !opening.bare) return open_flow(Kind::flow_mapping, slot);
-    levels_.push_back(
-        {.kind = Kind::pair, .column = slot.indent, .mark = opening.mark, .undecided = brace});
-    return {.offset = at_.pos};
+    levels_.push_back({.kind = Kind::pair,
+                       .column = slot.indent,
+                       .begin = at_.pos,
+                       .mark = opening.mark,
+                       .undecided = brace});
+    return {.offset = at_.pos, .content = {at_.pos}};
 }
 
 Properties Walk::open_flow(Kind kind, const Slot& slot) {
@@ -94,8 +110,9 @@ Properties Walk::open_flow(Kind kind, const Slot& slot) {
     if (slot.absent) refuse_here();
     read_properties(properties, slot);
     if (is_empty(slot) || at_.peek() != (kind == Kind::flow_list ? '[' : '{')) refuse_here();
+    properties.content.offset = at_.pos;
+    levels_.push_back({.kind = kind, .column = slot.indent, .begin = at_.pos});
     ++at_.pos;
-    levels_.push_back({.kind = kind, .column = slot.indent});
     return properties;
 }
 
@@ -114,11 +131,12 @@ Properties Walk::open_block(Kind kind, const Slot& slot) {
         if (!slot.compact) refuse_here();
         if (between.find('\t') != std::string_view::npos) at_.refuse(advice::tab);
     }
+    properties.content.offset = at_.pos;
     levels_.push_back({.kind = kind, .column = column});
     return properties;
 }
 
-void Walk::close() {
+std::size_t Walk::close() {
     Level level = levels_.back();
     levels_.pop_back();
     quoted_ = false;
@@ -127,7 +145,7 @@ void Walk::close() {
         ++at_.pos;
     }
     if (level.at_value) refuse_here();
-    if (level.kind != Kind::flow_list && level.kind != Kind::flow_mapping) return;
+    if (level.kind != Kind::flow_list && level.kind != Kind::flow_mapping) return 0;
     const char bracket = level.kind == Kind::flow_list ? ']' : '}';
     skip_flow_space(level.column);
     if (at_.peek() == ',' && !level.first) {
@@ -137,6 +155,7 @@ void Walk::close() {
     if (at_.peek() != bracket) refuse_in_flow();
     ++at_.pos;
     quoted_ = true;
+    return size_from(level.begin);
 }
 
 void Walk::finish() {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "velmora/yaml/document.hpp"
+#include "velmora/yaml/located.hpp"
 #include "velmora/yaml/scalars.hpp"
 
 namespace velmora::yaml {
@@ -15,6 +16,7 @@ namespace velmora::yaml {
 /// What stands before the content of a node.
 struct Properties {
     std::size_t offset = 0;  ///< Of the node.
+    Span content = {};       ///< As LocatedValue gives it; of a list or a mapping only its offset.
     std::string_view anchor = {};
     std::string tag = {};  ///< Empty for none, "!", or in full.
 };
@@ -46,8 +48,8 @@ public:
     Leaf leaf(std::size_t mark);
     Properties open_list(const Opening& opening);
     Properties open_mapping(const Opening& opening);
-    /// Ends the innermost list or mapping.
-    void close();
+    /// Ends the innermost list or mapping, and returns the size of its span.
+    std::size_t close();
     /// Ends the document.
     void finish();
 
@@ -57,6 +59,7 @@ private:
     struct Level {
         Kind kind;
         int column;  // Of a block's entries; what lines inside of brackets are indented beyond.
+        std::size_t begin = 0;
         std::size_t mark = 0;
         bool undecided = false;  // Whether it is a pair or a mapping in braces, by its first key.
         bool first = true;
@@ -90,6 +93,7 @@ private:
     void check_key(const Level& level) const;
 
     bool is_empty(const Slot& slot) const;
+    std::size_t size_from(std::size_t begin) const;
     void approach(const Slot& slot);
     void pass_quoted(std::size_t start);
     void check_unquoted(std::size_t end) const;

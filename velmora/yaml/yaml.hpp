@@ -2,6 +2,8 @@
 //
 //     ConfigValue config = yaml::load_file("/etc/server.yaml");
 //
+// Where the parts of a value stand in its text, located.hpp tells.
+//
 // A file is UTF-8, with or without a byte order mark, and holds at most one document. Scalars are
 // read by the core schema of YAML 1.2:
 //

@@ -20,10 +20,17 @@ if(TARGET velmora_yaml)
         FILE_SET HEADERS
     )
     install(
-        EXPORT velmora-yaml-targets
-        NAMESPACE velmora::
-        DESTINATION ${package_dir}
+        TARGETS velmora_app
+        EXPORT velmora-app-targets
+        FILE_SET HEADERS
     )
+    foreach(component yaml app)
+        install(
+            EXPORT velmora-${component}-targets
+            NAMESPACE velmora::
+            DESTINATION ${package_dir}
+        )
+    endforeach()
 endif()
 
 configure_package_config_file(
@@ -51,6 +58,8 @@ if(TARGET velmora_yaml)
     else()
         set(yaml_requires ", yaml-cpp")
     endif()
-    configure_file(cmake/velmora-yaml.pc.in ${PROJECT_BINARY_DIR}/velmora-yaml.pc @ONLY)
-    install(FILES ${PROJECT_BINARY_DIR}/velmora-yaml.pc DESTINATION ${pkgconfig_dir})
+    foreach(component yaml app)
+        configure_file(cmake/velmora-${component}.pc.in ${PROJECT_BINARY_DIR}/velmora-${component}.pc @ONLY)
+        install(FILES ${PROJECT_BINARY_DIR}/velmora-${component}.pc DESTINATION ${pkgconfig_dir})
+    endforeach()
 endif()

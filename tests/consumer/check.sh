@@ -15,9 +15,9 @@ mv "$work/installed" "$work/moved"
 
 PKG_CONFIG_PATH=$(dirname "$(find "$work/moved" -name velmora.pc)")
 export PKG_CONFIG_PATH
-test -f "$PKG_CONFIG_PATH/velmora-yaml.pc" && yaml=yaml || yaml=
+test -f "$PKG_CONFIG_PATH/velmora-app.pc" && app=app || app=
 
-cmake -S "$source" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/moved" -DCOMPONENTS="$yaml" \
+cmake -S "$source" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/moved" -DCOMPONENTS="$app" \
     -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_CXX_FLAGS="$*" >/dev/null
 cmake --build "$work/build" >/dev/null
 
@@ -32,4 +32,6 @@ check() {
 }
 
 check main.cpp consumer velmora server.port "$@"
-test -z "$yaml" || check yaml.cpp consumer-yaml velmora-yaml "{'server': {'port': 8080}}" "$@"
+test -n "$app" || exit 0
+check yaml.cpp consumer-yaml velmora-yaml "{'server': {'port': 8080}}" "$@"
+check app.cpp consumer-app velmora-app 8080 "$@"

@@ -17,4 +17,16 @@ Descriptor Metadata::operator[](std::string_view key) const {
     return found != more_.end() ? found->second : Descriptor();
 }
 
+Metadata Metadata::with(std::string_view key, Descriptor descriptor) const {
+    Metadata more = *this;
+    const bool empty = first_.first.empty() && first_.second.is_null();
+    if (empty || first_.first == key) {
+        more.first_ = Entry(key, std::move(descriptor));
+        return more;
+    }
+    std::erase_if(more.more_, [key](const Entry& entry) { return entry.first == key; });
+    more.more_.emplace_back(key, std::move(descriptor));
+    return more;
+}
+
 }  // namespace velmora::config

@@ -56,6 +56,9 @@ public:
     /// The descriptor under `key`, a null one when there is none.
     Descriptor operator[](std::string_view key) const;
 
+    /// The same descriptors and, under `key`, this one.
+    Metadata with(std::string_view key, Descriptor descriptor) const;
+
 private:
     using Entry = std::pair<std::string, Descriptor>;
 

@@ -48,7 +48,7 @@ void Builder::add_leaf(const YAML::Mark& mark) {
     Leaf leaf = walk_.leaf(static_cast<std::size_t>(mark.pos));
     if (!leaf.alias.empty()) return add_alias(leaf);
     const std::size_t size = 1 + leaf.text.size() / bytes_per_value;
-    if (!leaf.plain && leaf.tag.empty()) leaf.tag = non_specific;
+    if (!leaf.plain && leaf.tag.empty()) leaf.tag.append(non_specific);
     ConfigValue value;
     try {
         value = read_scalar(leaf.tag, std::move(leaf.text));
@@ -152,7 +152,7 @@ void Builder::check_key(std::size_t offset, Frame& frame, const Node& key) {
     // A collection is compared with each one of the same hash.
     if (key.size > 1) spend(offset, key.size * ++frame.collection_keys[key.value.hash()]);
     if (std::get<Mapping>(frame.collection).find(key.value) != nullptr)
-        source_.refuse(offset, "the key " + config::_shown(key.value) + " is there twice");
+        source_.refuse(offset, "this key is there twice");
 }
 
 void Builder::spend(std::size_t offset, std::size_t steps) {

@@ -114,8 +114,7 @@ ConfigValue read_scalar(std::string_view tag, std::string text) {
         if (!tag.empty() && wanted != name) continue;
         if (Reading value = read(text)) return *std::move(value);
         if (!tag.empty()) {
-            throw ValueError(utils::shown_text(text) + " is no " + wanted +
-                             ": mend it, or remove the tag");
+            throw ValueError("this is no " + wanted + ": mend it, or remove the tag");
         }
     }
     if (tag.empty()) return text;

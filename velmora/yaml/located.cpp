@@ -61,6 +61,10 @@ const std::string& LocatedValue::name() const noexcept {
     return data_->name;
 }
 
+std::string_view LocatedValue::text() const noexcept {
+    return data_->source.text;
+}
+
 Span LocatedValue::root() const {
     return data_->places.root().content;
 }

@@ -54,6 +54,9 @@ public:
     /// Of the file or the text.
     const std::string& name() const noexcept;
 
+    /// The text as it is read, in which offsets count. Valid as long as this or a copy.
+    std::string_view text() const noexcept;
+
     /// The whole value; {} for an empty document.
     Span root() const;
     /// `entry` is one of `in`, a mapping in the value.

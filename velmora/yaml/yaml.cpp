@@ -13,11 +13,14 @@ Error::Error(std::string_view file, std::size_t line, std::size_t column, std::s
                      .append(":" + std::to_string(line) + ":" + std::to_string(column) + ": ")
                      .append(what)),
       file_size_(file.size()),
+      reason_offset_(message().size() - what.size()),
       line_(line),
       column_(column) {}
 
 Error::Error(std::string_view file, std::string_view what)
-    : ValueError(std::string(file).append(": ").append(what)), file_size_(file.size()) {}
+    : ValueError(std::string(file).append(": ").append(what)),
+      file_size_(file.size()),
+      reason_offset_(message().size() - what.size()) {}
 
 config::ConfigValue load(std::string_view text, std::string_view name) {
     return parse(source_of(text, name), nullptr);

@@ -64,12 +64,17 @@ public:
     std::string_view file() const noexcept {
         return std::string_view(message()).substr(0, file_size_);
     }
+    /// What is wrong there, without the place; valid as `file` is.
+    std::string_view reason() const noexcept {
+        return std::string_view(message()).substr(reason_offset_);
+    }
     /// Both are counted from 1, the column in characters; 0 when the file cannot be read.
     std::size_t line() const noexcept { return line_; }
     std::size_t column() const noexcept { return column_; }
 
 private:
     std::size_t file_size_;
+    std::size_t reason_offset_;
     std::size_t line_ = 0;
     std::size_t column_ = 0;
 };

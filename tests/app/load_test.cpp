@@ -1,0 +1,579 @@
+// Layers: which value holds, what is reported, and that one file alone is read as the component reads it.
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include "support.hpp"
+#include "velmora/app/declaration.hpp"
+#include "velmora/app/traits.hpp"
+#include "velmora/utils/logging.hpp"
+#include "velmora/utils/texts.hpp"
+
+namespace velmora::app {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace config;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+const Declaration& webd() {
+    static const RecordType server(
+        "Server", {{"port", int_type, setting(8080, "Port.", {.env = "PORT", .bounds = Bound(1, 65535)})},
+                   {"limit", int_type, optional(setting(nullptr, "Limit.", {.env = "LIMIT"}))},
+                   {"name", str_type, setting("web", "Name.")},
+                   {"keep-alive", float_type, setting(1.0, "Seconds.")},
+                   {"tags", list_of(str_type), setting(List{"a"}, "Tags.")}});
+    static const RecordType log("Log",
+                                {{"level", str_type, setting("info", "Level.", {.choices = {"info", "debug"}})}});
+    static const RecordType config("Config",
+                                   {{"server", server, section(server, "Server.", {.restart = Restart::daemon})},
+                                    {"log", log, section(log, "Log.", {.restart = Restart::none})},
+                                    raw("hosts", "Hosts.", {.restart = Restart::none})});
+    static const Declaration declaration(config);
+    return declaration;
+}
+
+struct Loaded {
+    std::optional<Values> values;
+    std::vector<std::string> faults;  // One line each.
+};
+
+Loaded load(const Declaration& declaration, const std::vector<Layer>& layers) {
+    Loaded loaded;
+    const auto keep = [&](const Fault& fault) { loaded.faults.push_back(one_line(fault)); };
+    try {
+        loaded.values = declaration.load(layers, {.report = keep});
+    } catch (const LoadError& error) {
+        std::for_each(error.faults().begin(), error.faults().end(), keep);
+    }
+    return loaded;
+}
+
+std::vector<std::string> faults_of(const std::vector<Layer>& layers) {
+    return load(webd(), layers).faults;
+}
+
+// What a source gives two keys, server.port and server.limit, of which the latter is optional.
+enum class Given { nothing, number, word, null, empty };
+enum class Kind { weak_file, file, variables, pairs };
+
+Layer layer_of(Kind kind, Given given, const std::string& number) {
+    const bool yaml = kind <= Kind::file;
+    const std::string texts[] = {"", number, "x", yaml ? "null" : "x", yaml ? "''" : ""};
+    const std::string& value = texts[static_cast<int>(given)];
+    if (yaml)
+        return text(given == Given::nothing ? "# nothing" : "server: {limit: " + value + ", port: " + value + "}",
+                    number);
+    if (given == Given::nothing) return kind == Kind::variables ? environment({.variables = {{}}}) : sets({});
+    if (kind == Kind::variables) return environment({.variables = {{{"PORT", value}, {"LIMIT", value}}}});
+    return sets({"server.limit=" + value, "server.port=" + value}, {.name = number, .on_fault = OnFault::warn});
+}
+
+TEST(Layers, InEveryOrderTheStrongestAcceptedValueHolds) {
+    constexpr unsigned kinds = 4, givens = 5;
+    std::vector<unsigned> order = {0, 1, 2, 3};
+    do {
+        for (unsigned combination = 0; combination < givens * givens * givens * givens; ++combination) {
+            std::vector<Layer> layers;
+            std::string port = "8080", limit = "None", of_port = "the default 8080", of_limit = "the default None";
+            std::size_t refused = 0;
+            for (unsigned i = 0, rest = combination; i < kinds; ++i, rest /= givens) {
+                const auto kind = static_cast<Kind>(order[i]);
+                auto given = static_cast<Given>(rest % givens);
+                const std::string number = std::to_string(order[i] + 1);
+                layers.push_back(layer_of(kind, given, number));
+                if (kind == Kind::variables && given == Given::empty) given = Given::nothing;
+                if (given == Given::nothing) continue;
+                const bool none = given == Given::null && kind <= Kind::file;
+                const bool accepted = given == Given::number;
+                refused += accepted ? 0 : none ? 1 : 2;
+                const std::string place = kind == Kind::variables ? "$" : kind == Kind::pairs ? number : number + ":1:";
+                if (accepted) of_port = (port = number) + " from " + place;
+                if (accepted || none) of_limit = (limit = accepted ? number : "None") + " from " + place;
+            }
+            const Loaded loaded = load(webd(), layers);
+            ASSERT_EQ(display((*loaded.values)["server.port"]), port) << combination;
+            ASSERT_EQ(display((*loaded.values)["server.limit"]), limit) << combination;
+            ASSERT_EQ(loaded.faults.size(), refused) << combination;
+            for (const std::string& fault : loaded.faults) {
+                const bool about_port = fault.find("server.port") != std::string::npos;
+                ASSERT_THAT(fault, HasSubstr("; keeping " + (about_port ? of_port : of_limit)));
+            }
+        }
+    } while (std::next_permutation(order.begin(), order.end()));
+}
+
+class Folder {
+public:
+    Folder() : path_(fs::path(testing::TempDir()) / ("app" + std::to_string(getpid()))) {
+        fs::create_directories(path_);
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+    ~Folder() { fs::remove_all(path_); }
+
+    void write(const std::string& name, const std::string& content) const {
+        fs::create_directories((path_ / name).parent_path());
+        std::ofstream(path_ / name) << content;
+    }
+    std::string path(const std::string& name) const { return path_ / name; }
+
+private:
+    fs::path path_;
+};
+
+TEST(Layers, ComeFromFilesAndFolders) {
+    const Folder folder;
+    folder.write("a.yaml", "server: {port: 1, name: a}");
+    folder.write("d/10.yaml", "server: {port: 2, limit: 2}");
+    folder.write("d/9.yaml", "server: {port: 3}");
+    folder.write("d/.hidden.yaml", "server: {port: 4}");
+    folder.write("d/8.yaml~", "server: {port: 5}");
+    folder.write("d/readme", "server: {port: 6}");
+    folder.write("..data/11.yaml", "server: {name: linked}");
+    fs::create_symlink("../..data/11.yaml", folder.path("d/11.yaml"));
+    folder.write("c/server.limit", "77\r\n");
+    folder.write("c/server.name", " two lines\n\n");
+    folder.write("c/log.level", "\n");
+    folder.write("c/tls.key", "?");
+    const std::string missing = folder.path("missing");
+    const auto now = [&](const std::vector<Layer>& layers) {
+        const Loaded loaded = load(webd(), layers);
+        const std::string record = loaded.values ? display(loaded.values->record("server")) : "";
+        return utils::joined(loaded.faults, "\n") + record.substr(0, record.find(", keep"));
+    };
+    const auto without_folder = [&](std::string text) {
+        for (std::size_t at = 0; (at = text.find(folder.path(""))) != std::string::npos;)
+            text.erase(at, folder.path("").size());
+        return text;
+    };
+    const Layer a = file(folder.path("a.yaml"));
+    const std::vector<std::pair<std::vector<Layer>, const char*>> cases = {
+        {{a}, "Server(port=1, limit=None, name='a'"},
+        {{a, directory(folder.path("d"))}, "Server(port=3, limit=2, name='linked'"},
+        {{directory(folder.path("d")), a}, "Server(port=1, limit=2, name='a'"},
+        {{a, directory(missing), file(missing, {.optional = true})}, "Server(port=1, limit=None, name='a'"},
+        {{credentials({.directory = folder.path("c")}), a}, "Server(port=1, limit=77, name='a'"},
+        {{a, credentials({.directory = folder.path("c")})}, "Server(port=1, limit=77, name=' two lines\\n'"},
+        {{file(missing)}, "error: missing: cannot be read: No such file or directory"},
+        {{file(folder.path("d"), {.optional = true})}, "error: d: cannot be read: Is a directory"},
+        {{directory(missing, {.optional = false})}, "error: missing: cannot be read: No such file or directory"},
+    };
+    for (const auto& [layers, expected] : cases) EXPECT_EQ(without_folder(now(layers)), expected);
+}
+
+TEST(Layers, TakeTextsAndYamlByTheirRules) {
+    struct Case {
+        const char* key;
+        const char* written;
+        const char* in_yaml;  // The display form; "" when it is refused.
+        const char* as_text;
+    };
+    const Case cases[] = {
+        {"port", "1e3", "1000", ""},
+        {"port", "0x1f90", "8080", ""},
+        {"port", "1_000", "1000", "1000"},
+        {"name", "1.20", "'1.20'", "'1.20'"},
+        {"name", "0640", "'0640'", "'0640'"},
+        {"name", "no", "'no'", "'no'"},
+        {"name", "True", "'True'", "'True'"},
+        {"name", "'1'", "'1'", "\"'1'\""},
+        {"name", "!!float 1.50", "'1.5'", "'!!float 1.50'"},
+        {"name", "~", "", "'~'"},
+        {"tags", "[1.20, no, 'x']", "['1.20', 'no', 'x']", "['[1.20', 'no', \"'x']\"]"},
+        {"tags", "'a, b'", "['a', 'b']", "[\"'a\", \"b'\"]"},
+        {"keep-alive", "1e3", "1000.0", "1000.0"},
+    };
+    for (const auto& [key, written, in_yaml, as_text] : cases) {
+        const auto value_from = [key = "server." + std::string(key)](const Layer& layer) {
+            const Values values = webd().load({layer}, {.report = [](const Fault&) {}});
+            const auto& given = values.given(key).front();
+            EXPECT_TRUE(!given.accepted() || given.value == values[key]);
+            return given.accepted() ? display(values[key]) : "";
+        };
+        EXPECT_EQ(value_from(text("server: {" + std::string(key) + ": " + written + "}", "f")), in_yaml) << written;
+        EXPECT_EQ(value_from(text("x-a: &a " + std::string(written) + "\nserver: {" + key + ": *a}", "f")), in_yaml)
+            << written;
+        EXPECT_EQ(value_from(sets({"server." + std::string(key) + "=" + written}, {.on_fault = OnFault::warn})),
+                  as_text)
+            << written;
+    }
+}
+
+TEST(Layers, ReportEverythingInOrderWithItsPlace) {
+    const char* const yaml =
+        "x-anchors: &port 70000\n"
+        "servr: {}\n"
+        "log: [level]\n"
+        "server:\n"
+        "  prot: 1\n"
+        "  tags: a\n"
+        "  port: *port\n"
+        "  <<: {limit: 1}\n"
+        "  limit: {a: 1}\n"
+        "hosts: {anything: [goes]}\n"
+        "1: 2\n"
+        "\"a\\nb\": 2\n";
+    EXPECT_THAT(
+        faults_of({text(yaml, "f"),
+                   environment({.prefix = "W_",
+                                .variables = {{{"PORT", "tcp://10.0.0.1:80"},
+                                               {"W_SERVER_PORT", "1"},
+                                               {"W_LOG_LEVEL", "loud"},
+                                               {"W_OTHER", "1"},
+                                               {"W_SERVER_KEEP_ALIVE", "2"}}}}),
+                   sets({"server.prot=1", "log.level", "server.port=1", "server.port=0"})}),
+        ElementsAre("f:7:9: Ignoring server.port in f: Invalid value for server.port: 70000. It must be at least 1 and "
+                    "at most 65535; keeping 1 from the command line",
+                    "f:9:10: Ignoring server.limit in f: Cannot set server.limit={'a': 1}: expected int (expected an "
+                    "integer, got {'a': 1}); keeping the default None",
+                    "f:3:6: Ignoring the log section of f: it is not a mapping",
+                    "f:2:1: Ignoring servr in f: there is no such section; did you mean 'server'?",
+                    "f:5:3: Ignoring server.prot in f: there is no such key; did you mean 'port'?",
+                    "f:8:3: Ignoring server.<< in f: merge keys are not followed; write out what it would merge",
+                    "f:11:1: Ignoring 1 in f: there is no such section",
+                    "f:12:1: Ignoring 'a\\nb' in f: there is no such section",
+                    "Ignoring server.port from $PORT: Cannot set server.port='tcp://10.0.0.1:80': expected int "
+                    "(expected a decimal integer, got 'tcp://10.0.0.1:80'); keeping 1 from the command line "
+                    "(container platforms set such variables for a service of this name: turn that off (in Kubernetes "
+                    "with enableServiceLinks: false), or rename the service)",
+                    "Ignoring log.level from $W_LOG_LEVEL: Invalid value for log.level: 'loud'. Must be one of: debug, "
+                    "info; keeping the default 'info'",
+                    "error: Refusing server.port from the command line: Invalid value for server.port: 0. It must be "
+                    "at least 1 and at most 65535",
+                    "error: Refusing 'server.prot' from the command line: there is no key 'server.prot'; did you mean "
+                    "'server.port'?",
+                    "error: Refusing 'log.level' from the command line: write it as SECTION.KEY=VALUE"));
+}
+
+TEST(Layers, RefuseWhereTheyMust) {
+    const auto variables = [](std::map<std::string, std::string> all) {
+        return environment({.prefix = "W_", .empty_counts = true, .variables = std::move(all)});
+    };
+    const std::vector<std::pair<std::vector<Layer>, std::vector<const char*>>> cases = {
+        {{text("server: {port: 0}\nlog: {level: x", "f"), sets({"server.limit=x"})},
+         {"f:2:15: error: ", "error: Refusing server.limit from the command line: Cannot set"}},
+        {{text("[1]", "f")}, {"f:1:1: Ignoring the config file: it is a list, not a mapping of sections"}},
+        {{text("- 1", "f", {.on_fault = OnFault::refuse}), text("", "g")}, {"f:1:1: error: Refusing f: it is a list"}},
+        {{text("port: 1", "f", {.on_fault = OnFault::refuse})},
+         {"f:1:1: error: Refusing port in the config file: there is no such section"}},
+        {{variables({{"PORT", ""}})}, {"Ignoring server.port from $PORT: Cannot set server.port=''"}},
+        {{text("hosts: [1]", "f"), sets({"hosts.a=1", "=", "servr.port=1"})},
+         {"error: Refusing 'hosts.a' from the command line: the section hosts is read as a whole",
+          "error: Refusing '' from the command line: there is no section ''",
+          "error: Refusing 'servr.port' from the command line: there is no section 'servr'; did you mean 'server'?"}},
+        {{values(Mapping{{"server", Mapping{{"port", nullptr}, {"a b", 1}}}}, "v")},
+         {"Ignoring server.port in the config file: Cannot set server.port=None",
+          "Ignoring server.'a b' in the config file"}},
+    };
+    for (const auto& [layers, beginnings] : cases) {
+        const Loaded loaded = load(webd(), layers);
+        ASSERT_EQ(loaded.faults.size(), beginnings.size()) << utils::joined(loaded.faults, "\n");
+        bool refused = false;
+        for (std::size_t i = 0; i < beginnings.size(); ++i) {
+            EXPECT_THAT(loaded.faults[i], testing::StartsWith(beginnings[i]));
+            refused |= loaded.faults[i].find("error: ") != std::string::npos;
+        }
+        EXPECT_EQ(loaded.values.has_value(), !refused);
+    }
+}
+
+TEST(Layers, TakeTheEnvironmentOfTheProcess) {
+    const Folder folder;
+    folder.write("server.limit", "5");
+    setenv("PORT", "81", 1);
+    setenv("CREDENTIALS_DIRECTORY", folder.path("").c_str(), 1);
+    const Layer variables = environment(), files = credentials();
+    unsetenv("PORT");
+    unsetenv("CREDENTIALS_DIRECTORY");
+    const Values now = webd().load({variables, files, credentials(), sets({"server.name=x", "server.name=y"})});
+    EXPECT_EQ(display(now.record("server")), "Server(port=81, limit=5, name='y', keep-alive=1.0, tags=['a'])");
+    EXPECT_EQ(now.given("server.name").size(), 2U);
+    now["server.tags"].get<List>().push_back("b");
+    EXPECT_EQ(display(webd().load({})["server.tags"]), "['a']");
+}
+
+// Records as "LOGGER: MESSAGE".
+std::vector<std::string> logged(const std::vector<Layer>& layers) {
+    std::vector<std::string> lines;
+    utils::set_sink(
+        [&](const utils::LogRecord& record) { lines.push_back(record.logger() + ": " + record.message()); });
+    webd().load(layers);
+    utils::set_sink(nullptr);
+    return lines;
+}
+
+TEST(Layers, AreLoggedWithTheirPlaces) {
+    const Layer one = text("log: 1\nserver: {port: 0, prot: 1}", "f");
+    EXPECT_THAT(logged({one}),
+                ElementsAre("velmora.config.spec: Ignoring server.port in the config file: Invalid value for "
+                            "server.port: 0. It must be at least 1 and at most 65535; keeping the default 8080",
+                            "velmora.config.spec: Ignoring the log section of the config file: it is not a mapping",
+                            "velmora.app: f:2:19: Ignoring server.prot in the config file: there is no such key; did "
+                            "you mean 'port'?"));
+    EXPECT_THAT(
+        logged({one, sets({})}),
+        ElementsAre("velmora.config.spec: f:2:16: Ignoring server.port in f: Invalid value for server.port: 0. It must "
+                    "be at least 1 and at most 65535; keeping the default 8080",
+                    "velmora.config.spec: f:1:6: Ignoring the log section of f: it is not a mapping",
+                    "velmora.app: f:2:19: Ignoring server.prot in f: there is no such key; did you mean 'port'?"));
+}
+
+// A declaration of one section, whose keys are "a", "b", ...
+RecordType config_of(std::vector<std::pair<DeclaredType, FieldDetails>> keys) {
+    std::vector<FieldDecl> fields;
+    for (auto& [type, details] : keys)
+        fields.emplace_back(std::string(1, static_cast<char>('a' + fields.size())), type, std::move(details));
+    const RecordType kind("S", std::move(fields));
+    return {"Config", {{"s", kind, section(kind, "Doc.", {.restart = Restart::none})}}};
+}
+
+TEST(Layers, AskForWhatIsRequiredAndCheckAcrossKeys) {
+    const Declaration two(
+        config_of({{int_type, required(setting(nullptr, "First."))}, {int_type, setting(5, "Second.")}}));
+    const Declaration ordered = two.check({"s.b", "s.a"}, [](const Values& now) {
+        return now.get<int>("s.a") < now.get<int>("s.b") ? "" : "out of order";
+    });
+    using Faults = std::vector<std::string>;
+    EXPECT_EQ(load(ordered, {}).faults, Faults{"error: s.a must be given a value: First."});
+    EXPECT_THAT(load(ordered, {text("s: {a: x}", "f")}).faults,
+                ElementsAre(HasSubstr("Cannot set s.a='x'"), "error: s.a must be given a value: First."));
+    EXPECT_EQ(load(ordered, {text("s: {a: 4}", "f")}).faults, Faults{});
+    EXPECT_EQ(load(ordered, {text("s: {a: 4}", "f"), sets({"s.b=3"})}).faults,
+              Faults{"f:1:8: error: s.b, s.a: out of order (s.b is 3 from the command line, s.a is 4 from f:1:8)"});
+    EXPECT_EQ(load(ordered, {text("s:\n  a: 9", "f")}).faults,
+              Faults{"f:2:6: error: s.b, s.a: out of order (s.b is 5 by default, s.a is 9 from f:2:6)"});
+    EXPECT_EQ(load(ordered.check({"s.a"}, [](const Values&) { return "never right\n"; }), {text("s: {a: 5}", "f")})
+                  .faults.size(),
+              2U);
+    EXPECT_THROW((void)two.check({"s.c"}, nullptr), ConfigKeyError);
+    EXPECT_THROW((void)two.check({}, nullptr), ValueError);
+}
+
+TEST(Layers, TakeOldNamesAndSayTheNewOnes) {
+    const auto formerly = [](std::vector<std::string> names) { return KeyTraits{.formerly = std::move(names)}; };
+    const Declaration renamed(config_of(
+        {{int_type, with_traits(setting(1, "A."), formerly({"old", "older"}))}, {int_type, setting(2, "B.")}}));
+    const auto variables = [](std::map<std::string, std::string> all) {
+        return environment({.prefix = "W_", .variables = std::move(all)});
+    };
+    const std::tuple<std::vector<Layer>, const char*, std::vector<const char*>> cases[] = {
+        {{text("s: {old: 7}", "f")}, "7", {"f:1:5: s.old in the config file is called s.a now: rename it"}},
+        {{text("s: {old: 7, b: 1, a: 8}", "f"), text("", "g")},
+         "8",
+         {"f:1:5: Ignoring s.old in f: it is called s.a now, which is given as well"}},
+        {{text("s: {older: 7, old: x}", "f")},
+         "1",
+         {"f:1:15: s.old in", "f:1:20: Ignoring s.a in the config file: Cannot set", "f:1:5: Ignoring s.older in"}},
+        {{text("s: {a: 7}", "f"), variables({{"W_S_OLD", "8"}})},
+         "8",
+         {"$W_S_OLD in the environment is called s.a now: rename it"}},
+        {{variables({{"W_S_OLD", "8"}, {"W_S_A", "9"}})},
+         "9",
+         {"Ignoring $W_S_OLD in the environment: it is called s.a now"}},
+        {{sets({"s.old=7"})}, "7", {"s.old in the command line is called s.a now: rename it"}},
+        {{sets({"s.a=6", "s.old=7"}, {.on_fault = OnFault::warn})},
+         "6",
+         {"Ignoring s.old in the command line: it is called s.a now"}},
+    };
+    for (const auto& [layers, value, faults] : cases) {
+        const Loaded loaded = load(renamed, layers);
+        EXPECT_EQ(display((*loaded.values)["s.a"]), value);
+        ASSERT_EQ(loaded.faults.size(), faults.size()) << utils::joined(loaded.faults, "\n");
+        for (std::size_t i = 0; i < faults.size(); ++i) EXPECT_THAT(loaded.faults[i], testing::StartsWith(faults[i]));
+    }
+    const Declaration clashing(config_of({{int_type, with_traits(setting(1, "A."), formerly({"x-y"}))},
+                                          {int_type, with_traits(setting(1, "B."), formerly({"x_y"}))}}));
+    EXPECT_THAT(load(clashing, {variables({})}).faults,
+                ElementsAre("error: $W_S_X_Y would stand for s.a and for another key: name another variable for it",
+                            testing::HasSubstr("s.b")));
+}
+
+TEST(Layers, ShowSecretsNowhere) {
+    const std::string secret = "hunter2";
+    const Folder folder;
+    folder.write("s.a", secret);
+    folder.write("s.b", "x" + secret);
+    folder.write("file", "1\n");
+    const auto key = [](const DeclaredType& type, const ConfigValue& value, const char* variable) {
+        return std::pair(type, with_traits(setting(value, "Doc.", {.env = variable}), {.secret = true}));
+    };
+    const Declaration declaration(
+        config_of({key(int_type, 7, "A"), key(list_of(str_type), List{secret}, "B"), {int_type, setting(1, "Open.")}}));
+    const Declaration checked = declaration.check({"s.a", "s.b"}, [](const Values&) { return "no"; });
+    const std::string broken[] = {
+        "s: {a: " + secret + ", b: {x: " + secret + "}, c: z}",
+        "s: {ab: " + secret + ", c: x}",
+        "s: " + secret,
+        secret,
+        "- " + secret,
+        "s:\n  a: *" + secret.substr(0, 0) + "x " + secret,
+        "s: {c: !!int " + secret + "}",
+        "s: {a: 1, a: " + secret + "}",
+        "? " + secret + "\n: 1\n? " + secret + "\n: 2",
+        "s: {a: '" + secret,
+        "s:\n  a: |\n    " + secret + "\n   b",
+        "t: {a: " + secret + "}",
+    };
+    std::ostringstream out;
+    const auto print = [&](const Fault& fault) {
+        out << fault << one_line(fault) << '\n' << (fault.excerpt ? fault.excerpt->line() : "");
+    };
+    const auto try_to = [&](const Declaration& what, const std::vector<Layer>& layers) {
+        try {
+            what.load(layers, {.report = print});
+        } catch (const LoadError& error) {
+            out << error.message();
+            std::for_each(error.faults().begin(), error.faults().end(), print);
+        }
+    };
+    for (const std::string& yaml : broken)
+        try_to(declaration, {text(yaml, "f"), text("s: {b: [" + secret + "], c: y}", "g")});
+    try_to(declaration, {environment({.variables = {{{"A", secret}, {"B_FILE", folder.path("missing")}}}}),
+                         sets({"s.a=" + secret, "s.b=" + secret})});
+    try_to(declaration, {credentials({.directory = folder.path("")}), text("s: {c: x}", "f")});
+    try_to(checked, {text("s: {a: 1, b: [" + secret + "]}", "f")});
+    EXPECT_THAT(out.str(), testing::Not(HasSubstr(secret)));
+    EXPECT_THAT(out.str(), HasSubstr("Ignoring s.a in f: Invalid value for s.a, a secret that is not shown. It must be "
+                                     "an int; keeping the default (secret)"));
+    EXPECT_THAT(out.str(),
+                HasSubstr("error: Refusing s.b from the command line: it is secret, and this can be seen by everyone"));
+    EXPECT_THAT(out.str(), HasSubstr("    1 |        x\n      |        ^\n"));
+    const Loaded from_file = load(declaration, {environment({.variables = {{{"A_FILE", folder.path("file")}}}})});
+    EXPECT_EQ(display((*from_file.values)["s.a"]), "1");
+    const Loaded both =
+        load(declaration, {environment({.variables = {{{"A", "2"}, {"A_FILE", folder.path("file")}}}})});
+    EXPECT_EQ(display((*both.values)["s.a"]), "2");
+    EXPECT_THAT(both.faults, ElementsAre("Ignoring s.a from $A_FILE: $A is given as well; keeping (secret) from $A"));
+}
+
+std::string random_text(std::mt19937& random) {
+    const char* const texts[] = {"", "a", "1", "70000", "x, y", "true", "1.5", "abc", "-3", "None"};
+    return texts[random() % std::size(texts)];
+}
+
+ConfigValue random_value(std::mt19937& random, int depth = 0) {
+    switch (random() % (depth < 2 ? 8 : 6)) {
+        case 0:
+            return nullptr;
+        case 1:
+            return random() % 2 == 0;
+        case 2:
+            return static_cast<int>(random() % 200) - 100;
+        case 3:
+            return static_cast<double>(random() % 100) / 8;
+        case 4:
+            return test::inf;
+        case 5:
+            return random_text(random);
+        case 6:
+            return List{random_value(random, depth + 1), random_value(random, depth + 1)};
+        default:
+            return Mapping{{random_text(random), random_value(random, depth + 1)},
+                           {"a", random_value(random, depth + 1)}};
+    }
+}
+
+TEST(Layers, OneFileIsReadAsTheComponentReadsIt) {
+    std::vector<std::string> warnings;
+    utils::set_sink([&](const utils::LogRecord& record) {
+        if (record.logger() == "velmora.config.spec") warnings.push_back(record.message());
+    });
+    std::mt19937 random(7);
+    const DeclaredType types[] = {bool_type, int_type, float_type, str_type, list_of(str_type)};
+    const ConfigValue defaults[] = {true, 7, 1.5, "abc", List{"x"}};
+    std::size_t refused = 0;
+    for (int run = 0; run < 3000; ++run) {
+        std::vector<std::pair<DeclaredType, FieldDetails>> keys;
+        Mapping data;
+        for (int i = 0; i < 4; ++i) {
+            const auto kind = random() % std::size(types);
+            SettingOptions options;
+            if (kind == 3 && random() % 2 == 0) options.choices = {"abc", "1"};
+            if ((kind == 1 || kind == 2) && random() % 2 == 0) options.bounds = Bound(-50, 50);
+            keys.emplace_back(types[kind], setting(defaults[kind], "Doc.", options));
+            if (random() % 4 != 0) data.set(std::string(1, "dbac"[i]), random_value(random));
+        }
+        const ConfigValue section = random() % 10 == 0 ? random_value(random) : ConfigValue(data);
+        const Declaration declaration(config_of(std::move(keys)));
+        warnings.clear();
+        const Record expected = declaration.sections().front().read(section);
+        const std::vector<std::string> expected_warnings = std::move(warnings);
+        refused += expected_warnings.size();
+        warnings.clear();
+        EXPECT_EQ(declaration.load({values(Mapping{{"s", section}}, "f")}).record("s"), expected);
+        EXPECT_EQ(warnings, expected_warnings);
+    }
+    EXPECT_GT(refused, 1000U);
+    utils::set_sink(nullptr);
+}
+
+TEST(Names, AreLookedUpAndGuessed) {
+    const Values now = webd().load({text("hosts:\n  a: [1, x]", "f")});
+    EXPECT_EQ(webd().key("server.keep-alive").name(), "keep-alive");
+    EXPECT_EQ(webd().section("log").keys().size(), 1U);
+    EXPECT_EQ(test::outcome([&] { return now["server.prot"]; }),
+              "ConfigKeyError: there is no key 'server.prot'; did you mean 'server.port'?");
+    EXPECT_EQ(test::outcome([&] { return now.record("sever"); }),
+              "ConfigKeyError: there is no section 'sever'; did you mean 'server'?");
+    EXPECT_THROW(now.raw("log"), TypeError);
+    const Raw& hosts = now.raw("hosts");
+    const auto& list = hosts.value().find("a")->get<List>();
+    EXPECT_EQ(one_line(hosts.fault(list, 1, "no port")), "f:2:10: no port");
+    EXPECT_EQ(one_line(hosts.fault(hosts.value().get<Mapping>(), *hosts.value().get<Mapping>().begin(), "bad")),
+              "f:2:6: bad");
+}
+
+TEST(Faults, ArePrintedAsCompilersDo) {
+    const std::string half = test::repeated("\xc3\xa4", 60), wide = half + half;
+    const std::string yaml = "server:\n  port: 70000 # up\n  limit:\t\"\xc3\xa4\\u00e4\" \nlog: {level: [1,\n 2]} \n" +
+                             wide + ": 1\n" + "x-" + wide + ": 1\nhosts: {" + wide + ": '\xc2\x85', a: &a {}}\n";
+    std::ostringstream out;
+    const Values now =
+        webd().load({text(yaml, "f\x1b"), environment({.prefix = "W", .variables = {{{"PORT", "tcp://h"}}}})},
+                    {.report = [&](const Fault& fault) { out << fault; }});
+    const auto& hosts = now.raw("hosts").value().get<Mapping>();
+    out << now.raw("hosts").fault(hosts, *hosts.begin(), "?");
+    EXPECT_EQ(out.str(),
+              "f\\x1b:2:9: Ignoring server.port in f\\x1b: Invalid value for server.port: 70000. It must be at least 1 "
+              "and at most 65535; keeping the default 8080\n"
+              "    2 |   port: 70000 # up\n"
+              "      |         ^~~~~\n"
+              "f\\x1b:3:10: Ignoring server.limit in f\\x1b: Cannot set server.limit='\xc3\xa4\xc3\xa4': expected int "
+              "(expected a decimal integer, got '\xc3\xa4\xc3\xa4'); keeping the default None\n"
+              "    3 |   limit:\\t\"\xc3\xa4\\u00e4\" \n"
+              "      |           ^~~~~~~~~\n"
+              "f\\x1b:4:14: Ignoring log.level in f\\x1b: Invalid value for log.level: '[1, 2]'. Must be one of: "
+              "debug, info; keeping the default 'info'\n"
+              "    4 | log: {level: [1,\n"
+              "      |              ^\n"
+              "f\\x1b:6:1: Ignoring '" +
+                  wide.substr(0, 152) +
+                  "... in f\\x1b: there is no such section\n"
+                  "    6 | " +
+                  half +
+                  "...: 1\n"
+                  "      | ^" +
+                  std::string(62, '~') +
+                  "\n"
+                  "Ignoring server.port from $PORT: Cannot set server.port='tcp://h': expected int (expected a decimal "
+                  "integer, got 'tcp://h'); keeping the default 8080\n"
+                  "      = container platforms set such variables for a service of this name: turn that off (in "
+                  "Kubernetes with enableServiceLinks: false), or rename the service\n"
+                  "f\\x1b:8:131: ?\n"
+                  "    8 | ..." +
+                  half.substr(4) +
+                  ": '\\x85', a: &a {}}\n"
+                  "      | " +
+                  std::string(63, ' ') + "^~~~~~\n");
+}
+
+}  // namespace
+}  // namespace velmora::app

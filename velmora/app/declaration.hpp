@@ -1,0 +1,83 @@
+// A declared configuration, ready to be loaded from layers.
+//
+//     const Declaration declaration(config);   // the record type of the configuration
+//     const Values now = declaration.load({file("/etc/webd.yaml"), environment()});
+//     now.get<std::uint16_t>("server.port");
+//
+// Where a configuration is to become structs of the program's own, schema.hpp declares it from
+// these.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velmora/app/fault.hpp"
+#include "velmora/app/layer.hpp"
+#include "velmora/app/values.hpp"
+#include "velmora/config/record_type.hpp"
+#include "velmora/config/schema.hpp"
+#include "velmora/utils/export.hpp"
+#include "velmora/utils/not_null.hpp"
+
+namespace velmora::app {
+
+class Declaration;
+
+namespace detail {
+struct BoundSection;
+Declaration declare(std::vector<BoundSection> sections, std::shared_ptr<void> (*make)());
+using Bind = std::function<std::shared_ptr<const void>(const Values::Data&)>;
+}  // namespace detail
+
+struct LoadOptions {
+    /// Is given every fault when the load has succeeded, in order; `log_fault` when it is empty.
+    std::function<void(const Fault&)> report = nullptr;
+};
+
+/// Sections and their keys: the two levels that there are. A handle: copies are one declaration.
+/// POSIX and exceptions are required.
+class VELMORA_EXPORT Declaration {
+public:
+    /// Throws TypeError, as `config::sections_of` does, and with a line for all that `lint` finds.
+    explicit Declaration(const config::RecordType& config_type);
+
+    /// In the order of declaration.
+    const std::vector<config::Section>& sections() const noexcept;
+
+    /// The section of this name, or the key with this label. Throw ConfigKeyError, which names the
+    /// nearest one, when there is none. The second takes constant time.
+    const config::Section& section(std::string_view name) const;
+    const config::Key& key(std::string_view label) const;
+
+    /// What is wrong with values that each are accepted; an empty text for nothing.
+    using Check = std::function<std::string(const Values&)>;
+
+    /// The declaration with a check that every load makes of what is about to hold; a load that it
+    /// finds fault with fails. Earlier checks stay. `labels` are the keys that it speaks of, at least one. Throws
+    /// ConfigKeyError for a label that is no key's.
+    [[nodiscard]] Declaration check(std::vector<std::string> labels, Check check) const;
+
+    /// The values that hold when each layer goes over those before it. Throws LoadError for faults
+    /// that are errors, with all others in it; then nothing has been reported.
+    Values load(const std::vector<Layer>& layers, const LoadOptions& options = {}) const;
+
+    class Data;
+
+private:
+    friend class Loading;
+    friend Declaration detail::declare(std::vector<detail::BoundSection> sections,
+                                       std::shared_ptr<void> (*make)());
+
+    /// What is made of the values of a load before they are checked, and the checks.
+    struct Uses;
+
+    Declaration(const config::RecordType& config_type, detail::Bind bind);
+
+    utils::NotNull<Data> data_;
+    utils::NotNull<Uses> uses_;
+};
+
+}  // namespace velmora::app

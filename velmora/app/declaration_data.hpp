@@ -1,0 +1,76 @@
+// A declaration with everything settled that loads need of it. Private.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "velmora/app/declaration.hpp"
+#include "velmora/app/judged_key.hpp"
+
+namespace velmora::app {
+
+class Declaration::Data {
+public:
+    explicit Data(const config::RecordType& config_type);
+    Data(const Data&) = delete;
+    Data& operator=(const Data&) = delete;
+
+    const std::vector<config::Section>& sections() const noexcept { return sections_; }
+    /// Those of all sections, one section after the other.
+    const std::vector<JudgedKey>& keys() const noexcept { return keys_; }
+    /// The position in `keys` of the first key of the section at `section`.
+    std::size_t first_key(std::size_t section) const noexcept { return first_keys_[section]; }
+    bool is_raw(std::size_t section) const noexcept { return raw_[section]; }
+    /// Whether a section's field is declared under another type than its default is of.
+    bool is_mistyped(std::size_t section) const noexcept { return mistyped_[section]; }
+
+    /// Whether there is a secret among the keys.
+    bool has_secrets() const noexcept { return has_secrets_; }
+    bool has_secrets(std::size_t section) const;
+
+    /// The position of the section of this name, or of the key with this label; `none` for none.
+    static constexpr std::size_t none = static_cast<std::size_t>(-1);
+    std::size_t find_section(std::string_view name) const;
+    std::size_t find_key(std::string_view label) const;
+    /// The same of the key that had this label before.
+    std::size_t find_old_key(const std::string& label) const;
+    /// Whether a section has a key that has this name, or had it.
+    bool is_key(std::size_t section, const std::string& name) const;
+
+    /// Throw ConfigKeyError, which names the nearest one, when there is none.
+    std::size_t section_at(std::string_view name) const;
+    std::size_t key_at(std::string_view label) const;
+
+    /// "; did you mean 'port'?" for what is no section, or no key of the section at `section`.
+    std::string hint_for_section(std::string_view name) const;
+    std::string hint_for_key(std::size_t section, std::string_view name) const;
+
+private:
+    std::vector<config::Section> sections_;
+    std::vector<JudgedKey> keys_;
+    std::vector<std::size_t> first_keys_;
+    std::vector<bool> raw_;
+    std::vector<bool> mistyped_;
+    std::unordered_map<std::string_view, std::size_t> sections_by_name_;
+    std::unordered_map<std::string_view, std::size_t> keys_by_label_;
+    std::unordered_map<std::string, std::size_t> keys_by_old_label_;
+    bool has_secrets_ = false;
+};
+
+struct Declaration::Uses {
+    struct LabelledCheck {
+        std::vector<std::string> labels;
+        Check check;
+    };
+
+    detail::Bind bind = nullptr;
+    std::vector<LabelledCheck> checks = {};
+};
+
+/// What `lint` finds.
+std::vector<std::string> mistakes_in(const Declaration::Data& declaration);
+
+}  // namespace velmora::app

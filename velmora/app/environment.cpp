@@ -1,0 +1,125 @@
+// The layer of environment variables.
+#include <algorithm>
+#include <unordered_map>
+#include <utility>
+
+#include <unistd.h>
+
+#include "velmora/app/source.hpp"
+
+namespace velmora::app {
+
+namespace {
+
+std::map<std::string, std::string> variables_of_process() {
+    std::map<std::string, std::string> variables;
+    for (char** each = environ; each != nullptr && *each != nullptr; ++each) {
+        const std::string_view variable = *each;
+        const std::size_t sign = variable.find('=');
+        if (sign != std::string_view::npos)
+            variables.emplace(variable.substr(0, sign), variable.substr(sign + 1));
+    }
+    return variables;
+}
+
+// The label as a part of the name of a variable.
+std::string as_variable(std::string label) {
+    std::transform(label.begin(), label.end(), label.begin(), [](char c) {
+        if (c == '.' || c == '-') return '_';
+        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    });
+    return label;
+}
+
+bool is_address(std::string_view text) {
+    return text.starts_with("tcp://") || text.starts_with("udp://");
+}
+
+class OfEnvironment final : public detail::Source {
+public:
+    explicit OfEnvironment(EnvironmentOptions options)
+        : Source(options.on_fault),
+          prefix_(std::move(options.prefix)),
+          empty_counts_(options.empty_counts),
+          variables_(options.variables ? *std::move(options.variables) : variables_of_process()) {}
+
+    void give(Intake& intake) const override {
+        const auto& keys = intake.declaration().keys();
+        std::unordered_map<std::string, std::size_t> users;
+        for (const JudgedKey& key : keys) {
+            for (const std::string& name : names_of(key)) ++users[name];
+        }
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            bool given = false;
+            const std::vector<std::string> names = names_of(keys[i]);
+            for (const std::string& name : names) {
+                if (users[name] > 1) add_ambiguous(intake, keys[i], name);
+                const std::string* const text = find(name);
+                if (text == nullptr) continue;
+                if (&name != &names.front())
+                    intake.add_old_name(i, "$" + name, "$" + name, "the environment", given);
+                if (!given)
+                    intake.take_text(i, *text, source_named("$" + name),
+                                     {.note = note_on(keys[i], *text)});
+                given = true;
+            }
+            if (keys[i].traits().secret && !names.empty())
+                take_file(intake, i, names.front(), given);
+        }
+    }
+
+private:
+    // The variables of a key: the one of its name first, then those of its old ones.
+    std::vector<std::string> names_of(const JudgedKey& key) const {
+        const auto& own = key.key().setting().env();
+        if (own) return {*own};
+        if (prefix_.empty()) return {};
+        std::vector<std::string> names = {prefix_ + as_variable(key.label())};
+        for (const std::string& old : key.traits().formerly)
+            names.push_back(prefix_ + as_variable(key.key().section() + "." + old));
+        return names;
+    }
+
+    const std::string* find(const std::string& name) const {
+        const auto found = variables_.find(name);
+        if (found == variables_.end() || (found->second.empty() && !empty_counts_)) return nullptr;
+        return &found->second;
+    }
+
+    static void add_ambiguous(Intake& intake, const JudgedKey& key, const std::string& name) {
+        intake.add_error(FaultKind::ambiguous_variable, key.label(), "$" + name,
+                         "$" + name + " would stand for " + key.label() +
+                             " and for another key: name another variable for it");
+    }
+
+    // A secret may be in a file that another variable names.
+    void take_file(Intake& intake, std::size_t key, const std::string& name, bool given) const {
+        const SourceName source = source_named("$" + name + "_FILE");
+        const std::string* const path = find(name + "_FILE");
+        if (path == nullptr) return;
+        if (given) {
+            intake.refuse_text(key, "", source, "$" + name + " is given as well");
+            return;
+        }
+        if (const auto text = intake.read_text(intake.declaration().keys()[key].label(), *path))
+            intake.take_text(key, *text, source, {});
+    }
+
+    static std::string note_on(const JudgedKey& key, std::string_view text) {
+        if (key.key().kind() != config::KeyKind::int_ || !is_address(text)) return "";
+        return "container platforms set such variables for a service of this name: turn that off "
+               "(in Kubernetes with enableServiceLinks: false), or rename the service";
+    }
+
+    std::string prefix_;
+    bool empty_counts_;
+    std::map<std::string, std::string> variables_;
+};
+
+}  // namespace
+
+Layer environment(EnvironmentOptions options) {
+    return Layer(std::make_shared<const OfEnvironment>(std::move(options)));
+}
+
+}  // namespace velmora::app

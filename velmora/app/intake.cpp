@@ -1,0 +1,163 @@
+#include "velmora/app/intake.hpp"
+
+#include <algorithm>
+#include <system_error>
+#include <utility>
+
+#include "velmora/config/display.hpp"
+#include "velmora/utils/quoting.hpp"
+#include "velmora/utils/read_file.hpp"
+
+namespace velmora::app {
+
+using config::ConfigValue;
+
+namespace {
+
+bool is_accepted(const GivenValue& given) {
+    return given.accepted();
+}
+
+}  // namespace
+
+Intake::Intake(std::shared_ptr<const Declaration::Data> declaration, bool alone)
+    : values_{.declaration = std::move(declaration), .given = {}, .raws = {}},
+      alone_(alone),
+      secrets_(values_.declaration->has_secrets()) {
+    values_.given.resize(values_.declaration->keys().size());
+    values_.raws.resize(values_.declaration->sections().size());
+    places_.resize(values_.given.size());
+}
+
+Fault& Intake::add_fault(FaultKind kind, std::string key, std::string source, std::string message) {
+    const bool error = on_fault_ == OnFault::refuse;
+    return values_.faults.emplace_back(
+        Fault{.kind = kind,
+              .severity = error ? Severity::error : Severity::warning,
+              .key = std::move(key),
+              .source = std::move(source),
+              .message = std::move(message)});
+}
+
+std::string Intake::ignoring() const {
+    return on_fault_ == OnFault::refuse ? "Refusing " : "Ignoring ";
+}
+
+Fault& Intake::add_error(FaultKind kind, std::string key, std::string source, std::string message) {
+    Fault& fault = add_fault(kind, std::move(key), std::move(source), std::move(message));
+    fault.severity = Severity::error;
+    return fault;
+}
+
+Fault& Intake::add_old_name(std::size_t key, const std::string& old, const std::string& source,
+                            const std::string& shown_source, bool given) {
+    const std::string& label = declaration().keys()[key].label();
+    Fault& fault =
+        add_fault(FaultKind::old_name, label, source,
+                  given ? ignoring() + old + " in " + shown_source + ": it is called " + label +
+                              " now, which is given as well"
+                        : old + " in " + shown_source + " is called " + label + " now: rename it");
+    fault.severity = Severity::warning;
+    return fault;
+}
+
+std::optional<std::string> Intake::read_text(const std::string& label, const std::string& path) {
+    try {
+        std::string text = utils::read_file(path);
+        add_file(path);
+        for (const std::string_view end : {"\r\n", "\n"}) {
+            if (!text.ends_with(end)) continue;
+            text.resize(text.size() - end.size());
+            break;
+        }
+        return text;
+    } catch (const std::system_error& error) {
+        add_error(FaultKind::unusable_source, label, path,
+                  utils::one_line(path) + ": cannot be read: " + error.code().message());
+        return std::nullopt;
+    }
+}
+
+void Intake::take_text(std::size_t key, const std::string& text, const SourceName& source,
+                       const TextOptions& options) {
+    try {
+        ConfigValue value = declaration().keys()[key].judge({ConfigValue(text)}, options.secret);
+        GivenValue& given = values_.given[key].emplace_back();
+        given.source = source;
+        given.value = std::move(value);
+        places_[key] = {};
+    } catch (const config::ConfigKeyError& error) {
+        refuse_text(key, text, source, error.message());
+        values_.faults.back().note = options.note;
+    }
+}
+
+void Intake::refuse_text(std::size_t key, const std::string& text, const SourceName& source,
+                         const std::string& why) {
+    const std::string& label = declaration().keys()[key].label();
+    GivenValue& given = values_.given[key].emplace_back();
+    given.source = source;
+    given.value = text;
+    given.refusal = why;
+    add_fault(FaultKind::refused_value, label, *source,
+              ignoring() + label + " from " + utils::one_line(*source) + ": " + why);
+    refused_.emplace_back(values_.faults.size() - 1, key);
+}
+
+void Intake::place_at_held(std::size_t key, Fault& fault) const {
+    const auto& [document, span] = places_[key];
+    if (document == nullptr) return;
+    fault.source = document->name();
+    place_at(span, *document, secrets_ ? Shown::nothing : Shown::line, fault);
+}
+
+std::string Intake::shown(std::size_t key, const ConfigValue& value) const {
+    const JudgedKey& judged = declaration().keys()[key];
+    return alone_ ? judged.shown_in_full(value) : judged.shown(value);
+}
+
+std::string Intake::keeping(std::size_t key) const {
+    const JudgedKey& judged = declaration().keys()[key];
+    const auto& given = values_.given[key];
+    const auto held = std::find_if(given.begin(), given.end(), is_accepted);
+    if (held != given.end())
+        return "; keeping " + shown(key, held->value) + " from " + utils::one_line(held->place());
+    if (judged.traits().required) return "";
+    return "; keeping the default " + shown(key, judged.default_value());
+}
+
+Values::Data Intake::finish() {
+    const auto& keys = declaration().keys();
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        auto& given = values_.given[i];
+        std::reverse(given.begin(), given.end());
+        const auto held = std::find_if(given.begin(), given.end(), is_accepted);
+        if (held != given.end()) {
+            values_.held.push_back(&held->value);
+            continue;
+        }
+        if (keys[i].traits().required) add_missing(keys[i]);
+        // A list of its own, so that nobody who changes it changes the declaration's.
+        const auto* list = keys[i].default_value().get_if<config::List>();
+        values_.held.push_back(list != nullptr ? &values_.lists.emplace_back(list->copy())
+                                               : &keys[i].default_value());
+    }
+    for (const auto& [fault, key] : refused_) {
+        if (values_.faults[fault].severity == Severity::warning)
+            values_.faults[fault].message += keeping(key);
+        std::string& note = values_.faults[fault].note;
+        if (note.empty() && !keys[key].traits().unit.empty())
+            note = keys[key].label() + " counts " + keys[key].traits().unit;
+    }
+    return std::move(values_);
+}
+
+void Intake::add_missing(const JudgedKey& key) {
+    const auto& variable = key.key().setting().env();
+    add_error(FaultKind::missing_value, key.label(), "",
+              key.label() + " must be given a value" +
+                  (variable ? ", in $" + *variable + " for one" : "") + ": " +
+                  key.key().setting().doc());
+}
+
+}  // namespace velmora::app

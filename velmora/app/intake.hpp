@@ -1,0 +1,103 @@
+// Takes what layers give, judges it and keeps it. Private.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "velmora/app/declaration_data.hpp"
+#include "velmora/app/layer.hpp"
+#include "velmora/app/placing.hpp"
+#include "velmora/app/values_data.hpp"
+#include "velmora/yaml/located.hpp"
+
+namespace velmora::app {
+
+using SourceName = std::shared_ptr<const std::string>;
+
+inline SourceName source_named(std::string name) {
+    return std::make_shared<const std::string>(std::move(name));
+}
+
+class Intake {
+public:
+    /// `alone` when the one layer is a document.
+    Intake(std::shared_ptr<const Declaration::Data> declaration, bool alone);
+
+    const Declaration::Data& declaration() const noexcept { return *values_.declaration; }
+
+    /// What is given from now on comes from a layer that goes over those before.
+    void begin_layer(OnFault on_fault) noexcept { on_fault_ = on_fault; }
+
+    /// A mapping of sections. `document` is null when it stands in none.
+    void take_document(const config::ConfigValue& root, const std::string& name,
+                       std::shared_ptr<const yaml::LocatedValue> document);
+    /// The same of a YAML text.
+    void take_yaml(const std::string& text, const std::string& name);
+    /// The content of a file, but for one line end at its end; nothing, and an error about the key
+    /// with this label, when it cannot be read.
+    std::optional<std::string> read_text(const std::string& label, const std::string& path);
+
+    struct TextOptions {
+        std::string note = {};  ///< Goes with its fault.
+        bool secret = false;    ///< Whether it is not to be shown.
+    };
+    /// A text for the key at a position.
+    void take_text(std::size_t key, const std::string& text, const SourceName& source,
+                   const TextOptions& options);
+    /// A text that the key at a position does not take from there.
+    void refuse_text(std::size_t key, const std::string& text, const SourceName& source,
+                     const std::string& why);
+    /// Says that the key at a position is given by a name that it had before; `given` says that it is
+    /// by its own as well. `shown_source` is what messages call the source.
+    Fault& add_old_name(std::size_t key, const std::string& old, const std::string& source,
+                        const std::string& shown_source, bool given);
+    /// Whether it is worth to look for what an unknown name was meant to be, as for many it is not.
+    bool may_hint() noexcept { return hints_++ < most_hints; }
+    /// "Ignoring ", or "Refusing " when the layer does.
+    std::string ignoring() const;
+    /// A file that was there to be read.
+    void add_file(const std::string& path) { values_.files.push_back(path); }
+
+    /// A fault of the layer, an error when the layer refuses.
+    Fault& add_fault(FaultKind kind, std::string key, std::string source, std::string message);
+    /// A fault that is an error always.
+    Fault& add_error(FaultKind kind, std::string key, std::string source, std::string message);
+
+    /// All values, and the faults in full. Places can still be asked for.
+    Values::Data finish();
+
+    /// Says that a fault is where the value stands that holds for the key at a position.
+    void place_at_held(std::size_t key, Fault& fault) const;
+
+private:
+    struct Document;
+    struct Unknown;
+
+    void take_section(const Document& in, std::size_t section, const config::Mapping& top,
+                      const config::Mapping::Entry& entry, std::vector<Unknown>& unknown);
+    void take_value(const Document& in, std::size_t key, const config::Mapping& section,
+                    const config::Mapping::Entry& entry);
+    void add_unknown(const Document& in, const Unknown& unknown);
+    void place(Fault& fault, const Document& in, yaml::Span span, Shown shown) const;
+    std::string named(const Document& in) const;
+    std::string shown(std::size_t key, const config::ConfigValue& value) const;
+    std::string keeping(std::size_t key) const;
+    void add_missing(const JudgedKey& key);
+
+    Values::Data values_;
+    /// The keys whose values were refused, by the positions of their faults.
+    std::vector<std::pair<std::size_t, std::size_t>> refused_;
+    /// Where the values stand that hold.
+    std::vector<std::pair<std::shared_ptr<const yaml::LocatedValue>, yaml::Span>> places_;
+    bool alone_;
+    static constexpr std::size_t most_hints = 20;
+    std::size_t hints_ = 0;
+    bool secrets_;
+    OnFault on_fault_ = OnFault::warn;
+};
+
+}  // namespace velmora::app

@@ -1,0 +1,123 @@
+#include "velmora/app/judged_key.hpp"
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "velmora/app/member.hpp"
+#include "velmora/config/display.hpp"
+#include "velmora/utils/texts.hpp"
+
+namespace velmora::app {
+
+namespace {
+
+using config::ConfigValue;
+using config::KeyKind;
+using config::List;
+
+// The items of a list as they are written.
+std::vector<ConfigValue> spelt(const List& list, const yaml::LocatedValue* document) {
+    std::vector<ConfigValue> items(list.begin(), list.end());
+    if (document == nullptr) return items;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const std::string_view spelling = document->spelling(list, i);
+        if (!spelling.empty()) items[i] = spelling;
+    }
+    return items;
+}
+
+constexpr std::string_view hidden = "(secret)";
+
+// The value that a key takes. A float takes what it holds, which then must be in range as well.
+ConfigValue coerced(const config::Key& key, bool single, const ConfigValue& raw) {
+    ConfigValue value = key.coerce(raw);
+    if (!single) return value;
+    return key.coerce(detail::shortest(static_cast<float>(value.get<double>())));
+}
+
+}  // namespace
+
+JudgedKey::JudgedKey(const config::Key& key, const KeyTraits* traits, ConfigValue default_value)
+    : key_(&key),
+      traits_(traits != nullptr ? *traits : KeyTraits()),
+      default_value_(std::move(default_value)),
+      label_(key.label()) {
+    if (traits_.items != nullptr) item_ = item_key(key.name());
+}
+
+config::Key JudgedKey::item_key(const std::string& name) const {
+    return {key_->section(),
+            name,
+            traits_.items->kind,
+            key_->restart(),
+            {traits_.items, &traits_.items->setting},
+            key_->owner()};
+}
+
+ConfigValue JudgedKey::judge(const GivenRaw& raw, bool secret) const {
+    if (!traits_.secret && !secret) return judge_openly(raw);
+    try {
+        return judge_openly(raw);
+    } catch (const config::ConfigKeyError&) {
+    }
+    throw config::ConfigKeyError("Invalid value for " + label_ +
+                                 ", a secret that is not shown. It must be " + accepted_text());
+}
+
+std::string JudgedKey::accepted_text() const {
+    const bool list = key_->kind() == KeyKind::list;
+    const KeyKind kind = item_ ? item_->kind() : list ? KeyKind::str : key_->kind();
+    const config::Setting& setting = item_ ? item_->setting() : key_->setting();
+    std::string text(name_of(kind));
+    if (list) {
+        text = "a list of " + (kind == KeyKind::str ? "text" : text) + "s";
+    } else {
+        text.insert(0, kind == KeyKind::int_ ? "an " : "a ");
+    }
+    if (!setting.choices().empty()) text += ", one of: " + utils::joined(setting.choices());
+    if (setting.bounds()) text += ", " + setting.bounds()->text();
+    return text;
+}
+
+std::string JudgedKey::shown(const ConfigValue& value) const {
+    return is_hidden(value) ? std::string(hidden) : _shown(value);
+}
+
+std::string JudgedKey::shown_in_full(const ConfigValue& value) const {
+    return is_hidden(value) ? std::string(hidden) : display(value);
+}
+
+ConfigValue JudgedKey::judge_openly(const GivenRaw& raw) const {
+    if (raw.value.is_null() && traits_.optional) return {};
+    const bool is_list = key_->kind() == KeyKind::list;
+    if (key_->kind() == KeyKind::str && !raw.spelling.empty()) return key_->coerce(raw.spelling);
+    const auto* list = is_list ? raw.value.get_if<List>() : nullptr;
+    if (item_)
+        return judge_items(list != nullptr ? *list : key_->coerce(raw.value).get<List>(),
+                           raw.document);
+    if (!is_list) return coerced(*key_, traits_.single, raw.value);
+    return key_->coerce(list != nullptr ? List(spelt(*list, raw.document)) : raw.value);
+}
+
+ConfigValue JudgedKey::judge_items(const List& items, const yaml::LocatedValue* document) const {
+    const bool texts = item_->kind() == KeyKind::str;
+    std::vector<ConfigValue> judged =
+        texts ? spelt(items, document) : std::vector<ConfigValue>(items.begin(), items.end());
+    for (std::size_t i = 0; i < judged.size(); ++i) {
+        try {
+            judged[i] = coerced(*item_, traits_.items->single, judged[i]);
+        } catch (const config::ConfigKeyError&) {
+            try {
+                coerced(item_key(key_->name() + " item " + std::to_string(i + 1)),
+                        traits_.items->single, judged[i]);
+            } catch (const config::ConfigKeyError& error) {
+                throw RefusedItem(error, i);
+            }
+        }
+    }
+    return List(std::move(judged));
+}
+
+}  // namespace velmora::app

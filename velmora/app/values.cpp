@@ -1,0 +1,49 @@
+#include "velmora/app/values.hpp"
+
+#include <utility>
+
+#include "velmora/app/values_data.hpp"
+#include "velmora/utils/errors.hpp"
+
+namespace velmora::app {
+
+std::string GivenValue::place() const {
+    if (line == 0) return *source;
+    return *source + ":" + std::to_string(line) + ":" + std::to_string(column);
+}
+
+const config::ConfigValue& Values::operator[](std::string_view label) const& {
+    return *data_->held[data_->declaration->key_at(label)];
+}
+
+const std::vector<GivenValue>& Values::given(std::string_view label) const& {
+    return data_->given[data_->declaration->key_at(label)];
+}
+
+config::Record Values::record(std::string_view section) const {
+    const Declaration::Data& declaration = *data_->declaration;
+    const std::size_t position = declaration.section_at(section);
+    const config::RecordType& kind = declaration.sections()[position].kind();
+    const std::size_t first = declaration.first_key(position);
+    std::vector<config::RecordType::Given> given;
+    for (std::size_t i = 0; i < kind.fields().size(); ++i) {
+        const config::ConfigValue& value = *data_->held[first + i];
+        const auto* list = value.get_if<config::List>();
+        given.push_back(
+            {kind.fields()[i].name(), list != nullptr ? config::ConfigValue(list->copy()) : value});
+    }
+    return kind.make(std::move(given));
+}
+
+const Raw& Values::raw(std::string_view section) const& {
+    const std::size_t position = data_->declaration->section_at(section);
+    if (data_->declaration->is_raw(position)) return data_->raws[position];
+    throw TypeError("the section " + std::string(section) +
+                    " is not raw: its values are those of its keys");
+}
+
+const std::vector<Fault>& Values::faults() const& noexcept {
+    return data_->faults;
+}
+
+}  // namespace velmora::app

@@ -1,0 +1,30 @@
+// What Values are handles of. Private.
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <vector>
+
+#include "velmora/app/declaration_data.hpp"
+#include "velmora/app/values.hpp"
+
+namespace velmora::app {
+
+struct Values::Data {
+    std::shared_ptr<const Declaration::Data> declaration;
+    /// By key, the strongest first.
+    std::vector<std::vector<GivenValue>> given;
+    /// By key; in `given` or `lists`, or the default of `declaration`.
+    std::vector<const config::ConfigValue*> held = {};
+    /// Defaults that are lists.
+    std::deque<config::ConfigValue> lists = {};
+    /// By section.
+    std::vector<Raw> raws;
+    std::vector<Fault> faults = {};
+    /// The files that were there to be read.
+    std::vector<std::string> files = {};
+    /// What a schema has made of the values.
+    std::shared_ptr<const void> bound = nullptr;
+};
+
+}  // namespace velmora::app

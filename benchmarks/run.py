@@ -11,6 +11,7 @@ import json
 import pathlib
 import platform
 import re
+import resource
 import statistics
 import subprocess
 import sys
@@ -46,7 +47,14 @@ JOBS = {
     "declare": ("Declare and resolve 20 sections of 20 keys", "a vector of structs with owned strings", 2),
     "yaml_manifests": ("Load 10 MB of ordinary manifests", "`YAML::LoadFile`", 0.65),
     "yaml_text": ("Load one quoted text of 10 MB", "`YAML::LoadFile`", 0.9),
+    "load": ("Load a file of 20 sections of 20 keys through layers", "`velmora::yaml::load_file` of it", 1.25),
+    "load_many": ("The same of 500 sections", "25 files of 20", 1.25),
+    "load_aliases": ("The same with 2,000 aliases of one list", "25 files of 20", 1.25),
+    "compile": ("Compile a schema of 30 keys", "the same keys as record types", 1.25),
 }
+
+# The one job that is no part of the program: each of its contenders is a file to compile.
+COMPILATION = "compile"
 
 
 def rank(who):
@@ -75,6 +83,18 @@ def measure(jobs, repetitions):
         job, who = name.split("/", 1)
         medians[job][who] = (statistics.median(times[name]), allocations[name])
     return medians, result["context"]
+
+
+def measure_compilation(repetitions):
+    """The same for the job of compiling, in turns."""
+    times = {"ours": [], "limit": []}
+    for _ in range(repetitions):
+        for who in times:
+            before = resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime
+            output(cached("CMAKE_CXX_COMPILER"), "-std=c++20", "-O2", f"-I{ROOT}", "-c", f"benchmarks/compile/{who}.cpp",
+                   "-o", "/dev/null")
+            times[who].append((resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime - before) * 1e9)
+    return {who: (statistics.median(all), 0) for who, all in times.items()}
 
 
 def time_text(nanoseconds):
@@ -158,7 +178,11 @@ def main():
     jobs = [job for job in JOBS if arguments.job in job]
     if not jobs:
         parser.error(f"no job is called {arguments.job!r}; there are {', '.join(JOBS)}")
-    medians, context = measure(jobs, arguments.repetitions)
+    medians, context = {}, None
+    if jobs != [COMPILATION]:
+        medians, context = measure(jobs, arguments.repetitions)
+    if COMPILATION in jobs:
+        medians[COMPILATION] = measure_compilation(arguments.repetitions)
     for name, contenders in medians.items():
         print_table(name, contenders)
     if medians.keys() == JOBS.keys() and arguments.repetitions == REPETITIONS:

@@ -1,14 +1,12 @@
 // Loading YAML files, against the parser that the library builds on.
 #include "velmora/yaml/yaml.hpp"
 
-#include <filesystem>
-#include <fstream>
-#include <random>
 #include <string>
 
 #include <yaml-cpp/yaml.h>
 
 #include "contender.hpp"
+#include "temporary_file.hpp"
 #include "velmora/config/value.hpp"
 
 namespace bench {
@@ -19,24 +17,6 @@ using velmora::config::List;
 namespace {
 
 constexpr std::size_t file_bytes = 10'000'000;
-
-// A file that is there as long as the program runs.
-class TemporaryFile {
-public:
-    TemporaryFile(const std::string& name, const std::string& content)
-        : path_(std::filesystem::temp_directory_path() /
-                (name + "-" + std::to_string(std::random_device()()) + ".yaml")) {
-        std::ofstream(path_, std::ios::binary) << content;
-    }
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
-    ~TemporaryFile() { std::filesystem::remove(path_); }
-
-    const std::string& path() const { return path_.native(); }
-
-private:
-    std::filesystem::path path_;
-};
 
 std::string manifest(const std::string& name, std::size_t number) {
     const std::string digits = std::to_string(number);

@@ -1,5 +1,6 @@
-// The code of the README, compiled and run: its first block stands at namespace scope, its second
-// in a function, and the file and the output that it shows are compared with what happens.
+// The code of the README, compiled and run: its odd blocks stand at namespace scope, its even ones in
+// functions, and the file and the output that it shows are compared with what happens.
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -8,19 +9,19 @@
 #include <gtest/gtest.h>
 
 #include "readme_1.inc"
-#include "velmora/utils/logging.hpp"
-#include "velmora/yaml/yaml.hpp"
+#include "readme_3.inc"
 
 namespace {
 
-// The first block of this language in the README.
-std::string block(const std::string& language) {
+// The block of this number, from 1, among those of a language in the README.
+std::string block(const std::string& language, int number = 1) {
     std::ifstream file(VELMORA_README);
     std::stringstream readme;
     readme << file.rdbuf();
     const std::string text = readme.str();
     const std::string fence = "\n```" + language + "\n";
-    const std::size_t start = text.find(fence) + fence.size();
+    std::size_t start = 0;
+    while (number-- > 0) start = text.find(fence, start) + fence.size();
     return text.substr(start, text.find("```\n", start) - start);
 }
 
@@ -28,21 +29,32 @@ void listen(const std::string&, std::uint16_t port) {
     EXPECT_EQ(port, 8080);
 }
 
+void load(const std::vector<std::string>& pairs) {
+#include "readme_2.inc"
+}
+
+void read() {
+#include "readme_4.inc"
+}
+
 // What the program writes, warnings first, when this is its file.
-std::string output_for(const std::string& content) {
+template <class Program>
+std::string output_for(const std::string& content, Program program) {
     std::ofstream("app.yaml") << content;
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-#include "readme_2.inc"
+    program();
     const std::string warnings = testing::internal::GetCapturedStderr();
     return warnings + testing::internal::GetCapturedStdout();
 }
 
 TEST(Readme, ShowsWhatHappens) {
     std::filesystem::current_path(testing::TempDir());
-    EXPECT_EQ(output_for(block("yaml")), block("text"));
+    EXPECT_EQ(output_for(block("yaml"), [] { load({}); }), block("text"));
+    EXPECT_THROW(load({"server.port=x"}), app::LoadError);
+    EXPECT_EQ(output_for(block("yaml"), read), block("text", 2));
     const std::string defaults = "Server(host='127.0.0.1', port=8080, tags=['a', 'b'])\n";
-    for (const char* content : {"", "# server:\n", "- server\n"}) EXPECT_EQ(output_for(content), defaults) << content;
+    for (const char* content : {"", "# server:\n", "- server\n"}) EXPECT_EQ(output_for(content, read), defaults) << content;
 }
 
 }  // namespace

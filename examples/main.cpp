@@ -1,6 +1,7 @@
-// Shows and changes the configuration of a small web daemon.
+// Shows, checks and changes the configuration of a small web daemon.
 #include <exception>
 #include <filesystem>
+#include <functional>
 #include <iostream>
 #include <optional>
 #include <stdexcept>
@@ -8,47 +9,87 @@
 #include <vector>
 
 #include <CLI/CLI.hpp>
+#include <velmora/app/layer.hpp>
 #include <velmora/utils/errors.hpp>
 
 #include "refuse.hpp"
 #include "set.hpp"
+#include "settings.hpp"
 #include "show.hpp"
 #include "template.hpp"
+
+namespace app = velmora::app;
 
 namespace {
 
 constexpr int failed = 1;
 constexpr int refused = 2;
 
-int run(int argc, char** argv) {
-    CLI::App app("Shows and changes the configuration of webd.", "webd-config");
-    app.require_subcommand(1);
+void print(const app::Fault& fault) {
+    std::cerr << fault;
+}
 
-    std::optional<std::filesystem::path> shown_file;
-    CLI::App* const show_command =
-        app.add_subcommand("show", "Print every key, where its value comes from and its value.");
-    show_command->add_option("--file", shown_file, "YAML file to read.");
+// Where the values of a command come from, besides the environment.
+struct Sources {
+    std::optional<std::string> file;
+    std::vector<std::string> sets;
+};
+
+app::Snapshot<Config> load(const Sources& sources) {
+    std::vector<app::Layer> layers;
+    if (sources.file) {
+        layers = {app::file(*sources.file)};
+    } else {
+        layers = {app::file("/etc/webd.yaml", {.optional = true}), app::directory("/etc/webd.d")};
+    }
+    layers.push_back(app::environment({.prefix = "WEBD_"}));
+    layers.push_back(app::credentials());
+    layers.push_back(app::sets(sources.sets));
+    return schema().load(layers, {.report = print});
+}
+
+// A command that does something with what is loaded.
+void add_command(CLI::App& program, const char* name, const char* doc, Sources& sources,
+                 const std::function<void(const app::Snapshot<Config>&)>& act) {
+    CLI::App* const command = program.add_subcommand(name, doc);
+    command->add_option("--file", sources.file,
+                        "YAML file to read instead of /etc/webd.yaml and /etc/webd.d/*.yaml.");
+    command->add_option("--set", sources.sets, "SECTION.KEY=VALUE, over all other values.")
+        ->allow_extra_args(false);
+    command->callback([&sources, act] { act(load(sources)); });
+}
+
+int run(int argc, char** argv) {
+    CLI::App program("A small web daemon.", "webd");
+    program.require_subcommand(1);
+    int status = 0;
+
+    Sources sources;
+    add_command(program, "show", "Print every key, its value and where that comes from.", sources,
+                [](const app::Snapshot<Config>& now) { show(std::cout, now); });
+    add_command(program, "check", "Say what is wrong; fail if anything is.", sources,
+                [&status](const app::Snapshot<Config>& now) {
+                    if (!now.faults().empty()) status = failed;
+                });
 
     std::vector<std::string> pairs;
     std::filesystem::path changed_file;
     CLI::App* const set_command =
-        app.add_subcommand("set", "Change keys in a file and say what must restart.");
+        program.add_subcommand("set", "Change keys in a file and say what must restart.");
     set_command->add_option("pairs", pairs, "SECTION.KEY=VALUE...")->required();
     set_command->add_option("--file", changed_file, "YAML file to change.")->required();
-
-    CLI::App* const template_command =
-        app.add_subcommand("template", "Print a file of all keys at their defaults.");
+    set_command->callback([&] { set(std::cout, pairs, changed_file); });
+    program.add_subcommand("template", "Print a file of all keys at their defaults.")->callback([] {
+        print_template(std::cout);
+    });
 
     try {
-        app.parse(argc, argv);
-        if (*show_command) show(std::cout, shown_file);
-        if (*set_command) set(std::cout, pairs, changed_file);
-        if (*template_command) print_template(std::cout);
+        program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        if (app.exit(error) != 0) return refused;
+        if (program.exit(error) != 0) return refused;
     }
     if (!std::cout.flush()) throw std::runtime_error("standard output cannot be written to");
-    return 0;
+    return status;
 }
 
 }  // namespace
@@ -56,6 +97,9 @@ int run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         return run(argc, argv);
+    } catch (const app::LoadError& error) {
+        for (const app::Fault& fault : error.faults()) print(fault);
+        return failed;
     } catch (const Refused& error) {
         std::cerr << error.message() << '\n';
         return refused;

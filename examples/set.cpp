@@ -44,7 +44,7 @@ Change change_of(const std::vector<Section>& sections, std::string_view pair) {
 }
 
 std::vector<Change> changes_of(const std::vector<std::string>& pairs) {
-    const std::vector<Section> sections = sections_of(settings());
+    const std::vector<Section>& sections = schema().declaration().sections();
     std::vector<Change> changes;
     refuse_together(pairs, [&](const std::string& pair) {
         const Change& change = changes.emplace_back(change_of(sections, pair));

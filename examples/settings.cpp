@@ -1,70 +1,85 @@
 #include "settings.hpp"
 
+namespace app = velmora::app;
 using namespace velmora::config;
 
-// The tables are laid out by hand.
+app::EnumNames<TlsVersion> names_of(TlsVersion) {
+    return {{TlsVersion::tls_1_2, "1.2"}, {TlsVersion::tls_1_3, "1.3"}};
+}
+
+app::EnumNames<LogLevel> names_of(LogLevel) {
+    return {{LogLevel::debug, "debug"},
+            {LogLevel::info, "info"},
+            {LogLevel::warning, "warning"},
+            {LogLevel::error, "error"}};
+}
+
+app::EnumNames<CachePolicy> names_of(CachePolicy) {
+    return {{CachePolicy::lru, "lru"}, {CachePolicy::lfu, "lfu"}, {CachePolicy::fifo, "fifo"}};
+}
+
+namespace {
+
+// The table is laid out by hand.
 // clang-format off
 
-const RecordType& settings() {
-    static const RecordType server("Server", {
-        {"host", str_type, setting("127.0.0.1", "Address that the server listens on.",
-                                   {.env = "WEBD_HOST"})},
-        {"port", int_type, setting(8080, "Port that the server listens on.",
-                                   {.env = "WEBD_PORT", .bounds = Bound(1, 65535)})},
-        {"workers", int_type, setting(4, "Worker processes.", {.bounds = Bound(1, 256)})},
-        {"keep_alive", float_type, setting(75.0, "Seconds that an idle connection is kept open.",
-                                           {.bounds = NON_NEGATIVE, .restart = Restart::worker})},
-        {"tags", list_of(str_type), setting(List{}, "Tags that every response carries.",
-                                            {.restart = Restart::worker})},
-        {"maintenance", bool_type, setting(false, "Answer every request with 503.",
-                                           {.restart = Restart::none})},
-    });
-    static const RecordType tls("Tls", {
-        {"enabled", bool_type, setting(false, "Serve HTTPS.", {.env = "WEBD_TLS"})},
-        {"certificate", str_type, setting("/etc/webd/cert.pem",
-                                          "File of the certificate chain, PEM.")},
-        {"private_key", str_type, setting("/etc/webd/key.pem", "File of the private key, PEM.")},
-        {"minimum_version", str_type, setting("1.2", "Oldest protocol version that is accepted.",
-                                              {.choices = {"1.2", "1.3"}})},
-        {"ciphers", list_of(str_type), setting(List{"TLS_AES_128_GCM_SHA256",
-                                                    "TLS_AES_256_GCM_SHA384"},
-                                               "Cipher suites, best first.")},
-    });
-    static const RecordType log("Log", {
-        {"level", str_type, setting("info", "Least severe messages that are logged.",
-                                    {.env = "WEBD_LOG_LEVEL",
-                                     .choices = {"debug", "info", "warning", "error"}})},
-        {"file", str_type, setting("", "File that is logged to; standard error when empty.")},
-        {"utc", bool_type, setting(true, "Give times in UTC.")},
-        {"sample_rate", float_type, setting(1, "Share of the requests that are logged.",
-                                            {.env = "WEBD_LOG_SAMPLE_RATE",
-                                             .bounds = PROBABILITY})},
-    });
-    static const RecordType cache("Cache", {
-        {"enabled", bool_type, setting(true, "Keep responses in memory.")},
-        {"max_bytes", int_type, setting(268435456, "Memory that responses may take, in bytes.",
-                                        {.env = "WEBD_CACHE_MAX_BYTES", .bounds = POSITIVE})},
-        {"ttl", float_type, setting(300.0, "Seconds that a response stays fresh.",
-                                    {.bounds = POSITIVE, .restart = Restart::none})},
-        {"policy", str_type, setting("lru", "Which response goes first when memory runs out.",
-                                     {.choices = {"lru", "lfu", "fifo"}})},
-        {"bypass", list_of(str_type), setting(List{"/health", "/metrics"},
-                                              "Paths that are never cached.",
-                                              {.env = "WEBD_CACHE_BYPASS",
-                                               .restart = Restart::none})},
-    });
-    static const RecordType config("Config", {
-        {"server", server, section(server,
-                                   "The HTTP server: where it listens and how it treats "
-                                   "connections.",
-                                   {.restart = Restart::daemon})},
-        {"tls", tls, section(tls,
-                             "HTTPS. Certificates are read when the daemon starts, as root; the "
-                             "workers never see the private key.",
-                             {.restart = Restart::daemon})},
-        {"log", log, section(log, "What is logged, and where to.", {.restart = Restart::worker})},
-        {"cache", cache, section(cache, "The cache of responses, one for each worker.",
-                                 {.restart = Restart::worker})},
-    });
-    return config;
+app::Schema<Config> declared() {
+    return {
+        app::section(&Config::server, "server",
+                     "The HTTP server: where it listens and how it treats connections.",
+                     {.restart = Restart::daemon}, {
+            app::key(&Server::host, "host", "Address that the server listens on.",
+                     {.env = "WEBD_HOST"}),
+            app::key(&Server::port, "port", "Port that the server listens on.",
+                     {.env = "WEBD_PORT", .bounds = Bound(1)}),
+            app::key(&Server::workers, "workers", "Worker processes.", {.bounds = Bound(1, 256)}),
+            app::key(&Server::keep_alive, "keep_alive",
+                     "Seconds that an idle connection is kept open.",
+                     {.bounds = NON_NEGATIVE, .restart = Restart::worker}),
+            app::key(&Server::tags, "tags", "Tags that every response carries.",
+                     {.restart = Restart::worker}),
+            app::key(&Server::maintenance, "maintenance", "Answer every request with 503.",
+                     {.restart = Restart::none}),
+        }),
+        app::section(&Config::tls, "tls",
+                     "HTTPS. Certificates are read when the daemon starts, as root; the workers "
+                     "never see the private key.",
+                     {.restart = Restart::daemon}, {
+            app::key(&Tls::enabled, "enabled", "Serve HTTPS.", {.env = "WEBD_TLS"}),
+            app::key(&Tls::certificate, "certificate", "File of the certificate chain, PEM."),
+            app::key(&Tls::private_key, "private_key", "File of the private key, PEM."),
+            app::key(&Tls::minimum_version, "minimum_version",
+                     "Oldest protocol version that is accepted."),
+            app::key(&Tls::ciphers, "ciphers", "Cipher suites, best first."),
+        }),
+        app::section(&Config::log, "log", "What is logged, and where to.",
+                     {.restart = Restart::worker}, {
+            app::key(&Log::level, "level", "Least severe messages that are logged.",
+                     {.env = "WEBD_LOG_LEVEL"}),
+            app::key(&Log::file, "file", "File that is logged to; standard error when empty."),
+            app::key(&Log::utc, "utc", "Give times in UTC."),
+            app::key(&Log::sample_rate, "sample_rate", "Share of the requests that are logged.",
+                     {.env = "WEBD_LOG_SAMPLE_RATE", .bounds = PROBABILITY}),
+        }),
+        app::section(&Config::cache, "cache", "The cache of responses, one for each worker.",
+                     {.restart = Restart::worker}, {
+            app::key(&Cache::enabled, "enabled", "Keep responses in memory."),
+            app::key(&Cache::max_bytes, "max_bytes", "Memory that responses may take, in bytes.",
+                     {.env = "WEBD_CACHE_MAX_BYTES", .bounds = POSITIVE}),
+            app::key(&Cache::ttl, "ttl", "Seconds that a response stays fresh.",
+                     {.bounds = POSITIVE, .restart = Restart::none}),
+            app::key(&Cache::policy, "policy", "Which response goes first when memory runs out."),
+            app::key(&Cache::bypass, "bypass", "Paths that are never cached.",
+                     {.env = "WEBD_CACHE_BYPASS", .restart = Restart::none}),
+        }),
+    };
+}
+
+// clang-format on
+
+}  // namespace
+
+const app::Schema<Config>& schema() {
+    static const app::Schema<Config> schema = declared();
+    return schema;
 }

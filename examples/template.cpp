@@ -56,7 +56,7 @@ void print_key(std::ostream& out, const Key& key) {
 
 void print_template(std::ostream& out) {
     std::string_view separator;
-    for (const Section& section : sections_of(settings())) {
+    for (const Section& section : schema().declaration().sections()) {
         out << separator;
         separator = "\n";
         print_comment(out, "", section.setting().doc());

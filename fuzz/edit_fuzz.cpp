@@ -44,13 +44,12 @@ void check_edit(const Key& key, const std::string& raw, const std::string& text)
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const std::vector<Section> sections = sections_of(settings());
     std::istringstream input(std::string(reinterpret_cast<const char*>(data), size));
     std::string label;
     std::string value;
     std::getline(std::getline(input, label, '='), value);
     const std::string text{std::istreambuf_iterator<char>(input), {}};
-    for (const Section& section : sections) {
+    for (const Section& section : schema().declaration().sections()) {
         for (const Key& key : section.keys()) {
             if (key.label() == label) check_edit(key, value, text);
         }

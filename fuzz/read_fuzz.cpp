@@ -52,7 +52,7 @@ private:
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const std::vector<Section> sections = sections_of(settings());
+    static const std::vector<Section> sections = schema().declaration().sections();
     velmora::utils::set_sink(
         [](const velmora::utils::LogRecord& record) { require_utf8(record.message()); });
     const std::string_view text(reinterpret_cast<const char*>(data), size);

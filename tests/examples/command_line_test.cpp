@@ -1,65 +1,19 @@
 // The example program through its command line.
+#include "command_line.hpp"
+
 #include <algorithm>
 #include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <tuple>
 
-#include <gmock/gmock.h>
-#include <sys/wait.h>
-#include <unistd.h>
 #include <velmora/yaml/yaml.hpp>
 
 #include "file_values.hpp"
 #include "settings.hpp"
 
-namespace fs = std::filesystem;
 using namespace velmora::config;
 using testing::HasSubstr;
 
 namespace {
-
-std::string content_of(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-auto entries_of(const fs::path& folder) {
-    return std::distance(fs::directory_iterator(folder), {});
-}
-
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
-
-class CommandLine : public testing::Test {
-protected:
-    void SetUp() override {
-        std::string name = testing::TempDir() + "webd-XXXXXX";
-        folder = ::mkdtemp(name.data());
-        fs::create_directory(folder / "work");
-        fs::current_path(folder / "work");
-        ::setenv("webd", WEBD_CONFIG, 1);
-    }
-    void TearDown() override { fs::remove_all(folder); }
-
-    static Outcome run(const std::string& command) {
-        const int status = std::system(("{ " + command + "; } >../out 2>../err").c_str());
-        return {WEXITSTATUS(status), content_of("../out"), content_of("../err")};
-    }
-    static Outcome set(const std::string& before, const std::string& pairs) {
-        write(before);
-        return run("$webd set --file f.yaml " + pairs);
-    }
-    static void write(const std::string& text) { std::ofstream("f.yaml", std::ios::binary) << text; }
-    static std::string content() { return content_of("f.yaml"); }
-
-    fs::path folder;
-};
 
 TEST_F(CommandLine, TellsWhatItTakes) {
     EXPECT_EQ(run("$webd template").out, content_of(GOLDEN_TEMPLATE));
@@ -70,33 +24,42 @@ TEST_F(CommandLine, TellsWhatItTakes) {
                                                  {"set --file f.yaml", 2},
                                                  {"--help >/dev/full", 1},
                                                  {"show >/dev/full", 1},
-                                                 {"show --file f.yaml", 1}};
+                                                 {"show --file f.yaml", 1},
+                                                 {"show --set log.level=loud", 1},
+                                                 {"check --set log.level=info --set log.utc=0", 0}};
     for (const auto& [arguments, status] : cases) EXPECT_EQ(run("$webd " + arguments).status, status) << arguments;
 }
 
-TEST_F(CommandLine, ShowsValuesAndWarnsOfWhatItIgnores) {
-    const Outcome shown = run("WEBD_PORT=9_090 WEBD_LOG_LEVEL=loud $webd show --file " SAMPLE);
+TEST_F(CommandLine, ShowsValuesAndPointsAtWhatItIgnores) {
+    std::ofstream("log.file") << "a";
+    const std::string variables =
+        "CREDENTIALS_DIRECTORY=. WEBD_PORT=9_090 WEBD_LOG_FILE=b WEBD_CACHE_TTL=60 WEBD_LOG_LEVEL=loud ";
+    const std::string arguments = " --file " SAMPLE " --set server.workers=3";
+    const Outcome shown = run(variables + "$webd show" + arguments);
+    EXPECT_EQ(shown.status, 0);
     EXPECT_EQ(std::count(shown.out.begin(), shown.out.end(), '\n'), 20);
-    EXPECT_EQ(std::count(shown.err.begin(), shown.err.end(), '\n'), 12);
+    EXPECT_EQ(std::count(shown.err.begin(), shown.err.end(), '^'), 9);
     for (const char* line :
-         {"server.host          file         '0.0.0.0'\n", "server.port          environment  9090\n",
-          "server.keep_alive    default      75.0\n", "log.level            file         'debug'\n",
-          "Ignoring cahce in the config file: there is no such section; did you mean 'cache'?\n",
-          "Ignoring cache.max_byts in the config file: there is no such key; did you mean "
-          "'max_bytes'?\n",
-          "Ignoring the environment variable WEBD_LOG_LEVEL for log.level: Invalid value for "
-          "log.level: 'loud'. Must be one of: debug, error, info, warning; keeping 'debug'\n"})
+         {"server.host           '0.0.0.0'  # " SAMPLE ":3:9\n", "server.port           9090  # $WEBD_PORT\n",
+          "server.workers        3  # the command line\n", "server.keep_alive     75.0  # default\n",
+          "log.file              'a'  # ./log.file\n", "cache.ttl             60.0  # $WEBD_CACHE_TTL\n",
+          SAMPLE ":4:9: Ignoring server.port in " SAMPLE ": Invalid value for server.port: 70000. It must be at "
+                 "least 1 and at most 65535; keeping 9090 from $WEBD_PORT\n"
+                 "    4 |   port: 70000           # out of bounds\n      |         ^~~~~\n",
+          "there is no such section; did you mean 'cache'?\n   14 | cahce:                  # misspelt\n"
+          "      | ^~~~~\n",
+          "Must be one of: debug, error, info, warning; keeping 'debug' from " SAMPLE ":11:10\n"})
         EXPECT_THAT(shown.out + shown.err, HasSubstr(line));
-    write("- not a mapping\n");
-    EXPECT_THAT(run("$webd show --file f.yaml").err, HasSubstr("it is not a mapping"));
+    const Outcome checked = run(variables + "$webd check" + arguments);
+    EXPECT_EQ(std::tie(checked.status, checked.out, checked.err), std::tuple(1, "", shown.err));
     EXPECT_EQ(run("$webd show").err, "");
 }
 
 TEST_F(CommandLine, JudgesATextAlikeWhereverItComesFrom) {
     // The key, its variable, the text, and the value or why there is none.
     const std::tuple<std::string, std::string, std::string, std::string> cases[] = {
-        {"server.host", "WEBD_HOST", "it's #1=\"ü\"\t\\\x7f", " 'it\\'s #1=\"ü\"\\t\\\\\\x7f'\n"},
-        {"cache.bypass", "WEBD_CACHE_BYPASS", "[a, yes]", " ['[a', 'yes]']\n"},
+        {"server.host", "WEBD_HOST", "it's #1=\"ü\"\t\\\x7f", "  'it\\'s #1=\"ü\"\\t\\\\\\x7f'  #"},
+        {"cache.bypass", "WEBD_CACHE_BYPASS", "[a, yes]", " ['[a', 'yes]']  #"},
         {"tls.enabled", "WEBD_TLS", "2",
          "Cannot set tls.enabled='2': expected bool ('2' is not one of true/false, yes/no, on/off, "
          "y/n, t/f, 1/0)"},
@@ -105,6 +68,8 @@ TEST_F(CommandLine, JudgesATextAlikeWhereverItComesFrom) {
         ::setenv("text", text.c_str(), 1);
         const Outcome environment = run(variable + "=\"$text\" $webd show");
         EXPECT_THAT(environment.out + environment.err, HasSubstr(verdict));
+        const Outcome option = run("$webd show --set " + label + "=\"$text\"");
+        EXPECT_THAT(option.out + option.err, HasSubstr(verdict));
         const Outcome set = run("$webd set --file f.yaml " + label + "=\"$text\"");
         EXPECT_THAT(run("$webd show --file f.yaml").out + set.err, HasSubstr(verdict));
         EXPECT_EQ(fs::remove("f.yaml"), set.status == 0);
@@ -249,7 +214,7 @@ TEST_F(Set, LeavesTheFileAsItIsWhenItCannotReplaceIt) {
 TEST(Differ, ByTheseChangesAlone) {
     const auto differ = [](const char* after) {
         const ConfigValue before = velmora::yaml::load("{s: 1, server: {x: .nan, port: 80}}");
-        return differ_by({{sections_of(settings())[0].keys()[1], 81}}, before, velmora::yaml::load(after));
+        return differ_by({{schema().declaration().key("server.port"), 81}}, before, velmora::yaml::load(after));
     };
     EXPECT_TRUE(differ("{s: 1, server: {port: 81, x: .nan}}"));
     for (const char* after : {"{s: 2, server: {port: 81, x: .nan}}", "{s: 1, server: {port: 82, x: .nan}}",

@@ -97,10 +97,6 @@ private:
 
 }  // namespace
 
-Descriptor::~Descriptor() {
-    ::close(descriptor_);
-}
-
 // The lock is on the folder: unlike the file it is there from the start and stays the same, and a
 // file made for the lock alone would have to go again.
 LockedFile::LockedFile(const fs::path& path)

@@ -5,20 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// A file descriptor that is closed at the end.
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) noexcept : descriptor_(descriptor) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor();
-
-    int get() const noexcept { return descriptor_; }
-    bool is_open() const noexcept { return descriptor_ != -1; }
-
-private:
-    int descriptor_;
-};
+#include "descriptor.hpp"
 
 /// A regular file, which need not exist yet. As long as an object of it lives, other programs wait
 /// for theirs of the same folder.

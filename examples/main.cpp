@@ -1,4 +1,4 @@
-// Shows, checks and changes the configuration of a small web daemon.
+// webd, a small web daemon: runs it, and shows, checks and changes its configuration.
 #include <exception>
 #include <filesystem>
 #include <functional>
@@ -12,7 +12,9 @@
 #include <velmora/app/layer.hpp>
 #include <velmora/utils/errors.hpp>
 
+#include "logging.hpp"
 #include "refuse.hpp"
+#include "server.hpp"
 #include "set.hpp"
 #include "settings.hpp"
 #include "show.hpp"
@@ -65,6 +67,11 @@ int run(int argc, char** argv) {
     int status = 0;
 
     Sources sources;
+    add_command(program, "run", "Answer requests until SIGTERM or SIGINT.", sources,
+                [](const app::Snapshot<Config>& now) {
+                    start_logging(now->log);
+                    serve(*now);
+                });
     add_command(program, "show", "Print every key, its value and where that comes from.", sources,
                 [](const app::Snapshot<Config>& now) { show(std::cout, now); });
     add_command(program, "check", "Say what is wrong; fail if anything is.", sources,

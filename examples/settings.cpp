@@ -1,5 +1,9 @@
 #include "settings.hpp"
 
+#include <algorithm>
+
+#include "http.hpp"
+
 namespace app = velmora::app;
 using namespace velmora::config;
 
@@ -19,6 +23,23 @@ app::EnumNames<CachePolicy> names_of(CachePolicy) {
 }
 
 namespace {
+
+std::string check_tls(const Config& config) {
+    return config.tls.enabled ? "webd serves no HTTPS itself: have a proxy before it do so" : "";
+}
+
+std::string check_tags(const Config& config) {
+    const auto& tags = config.server.tags;
+    const bool fit = std::all_of(tags.begin(), tags.end(), fits_in_header);
+    return fit ? "" : "a tag with control characters in it cannot be part of a response";
+}
+
+std::string check_cache(const Config& config) {
+    const std::size_t least = make_response(200, config.server.tags, "").size();
+    if (!config.cache.enabled || config.cache.max_bytes >= least) return "";
+    return "no response would be kept, since with these tags each takes " + std::to_string(least) +
+           " bytes or more: allow more bytes, or disable the cache";
+}
 
 // The table is laid out by hand.
 // clang-format off
@@ -80,6 +101,10 @@ app::Schema<Config> declared() {
 }  // namespace
 
 const app::Schema<Config>& schema() {
-    static const app::Schema<Config> schema = declared();
+    static const app::Schema<Config> schema =
+        declared()
+            .check({"tls.enabled"}, check_tls)
+            .check({"server.tags"}, check_tags)
+            .check({"cache.max_bytes", "server.tags"}, check_cache);
     return schema;
 }

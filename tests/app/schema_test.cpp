@@ -310,7 +310,8 @@ TEST(Lint, FindsWhatIsWrongWithADeclaration) {
         {{{"s", other, section(RecordType("Kind", {}), "Doc.", {.restart = Restart::none})}},
          "s: its field is declared with another type than its section is made of"},
     };
-    for (const auto& [sections, expected] : cases) {
+    for (const auto& [fields, expected] : cases) {
+        const std::vector<FieldDecl>& sections = fields;
         const std::string found = mistakes(sections);
         EXPECT_EQ(found.substr(0, *expected == '\0' ? found.npos : std::string(expected).size()), expected);
         EXPECT_EQ(outcome([&] {

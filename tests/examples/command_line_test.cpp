@@ -26,7 +26,12 @@ TEST_F(CommandLine, TellsWhatItTakes) {
                                                  {"show >/dev/full", 1},
                                                  {"show --file f.yaml", 1},
                                                  {"show --set log.level=loud", 1},
-                                                 {"check --set log.level=info --set log.utc=0", 0}};
+                                                 {"check --set log.level=info --set log.utc=0", 0},
+                                                 {"check --set tls.enabled=1", 1},
+                                                 {"check --set server.tags=\"$(printf 'a\\rb')\"", 1},
+                                                 {"check --set cache.max_bytes=9", 1},
+                                                 {"run --set tls.enabled=1", 1},
+                                                 {"run --set log.file=no/file", 1}};
     for (const auto& [arguments, status] : cases) EXPECT_EQ(run("$webd " + arguments).status, status) << arguments;
 }
 
@@ -123,7 +128,7 @@ TEST_F(Set, ChangesTheValuesAloneOrNothing) {
          "Expected SECTION.KEY=VALUE, got 'log.utc'\n"
          "Expected SECTION.KEY=VALUE, got 'utc=0'\n"},
         {on, "log.file=\"$(printf '\\377')\"", "Cannot write log.file: '\\udcff' is no UTF-8\n"},
-        {"a: 1\na: 2\n", set_off, "f.yaml:2:1: the key 'a' is there twice\n"},
+        {"a: 1\na: 2\n", set_off, "f.yaml:2:1: this key is there twice\n"},
         {"log:\r  utc: on\r", set_off, "Cannot change the file: a carriage return alone ends a line in it\n"},
         {"log: &s\n  utc: on\nx: *s\n", set_off, utc + "an alias repeats its section\n"},
         {"&r\nlog:\n  a: *r\n", set_off, utc + "an alias repeats the file\n"},

@@ -126,7 +126,7 @@ Declaration declare(std::vector<BoundSection> sections, std::shared_ptr<void> (*
         }
         return config;
     };
-    return Declaration(config_type, bind);
+    return {config_type, bind};
 }
 
 const void* bound(const Values& values) noexcept {

@@ -29,7 +29,7 @@ Declaration::Data::Data(const config::RecordType& config_type)
     const config::Record defaults = config_type.make();
     for (const config::Section& section : sections_) {
         const config::FieldDecl& field = *config_type.find_field(section.name());
-        const config::Record record = defaults.get<config::Record>(section.name());
+        const auto record = defaults.get<config::Record>(section.name());
         raw_.push_back(!field.metadata()[_RAW_SECTION].is_null());
         mistyped_.push_back(record.type() != section.kind());
         first_keys_.push_back(keys_.size());
@@ -44,7 +44,7 @@ Declaration::Data::Data(const config::RecordType& config_type)
     for (std::size_t i = 0; i < keys_.size(); ++i) {
         keys_by_label_.emplace(keys_[i].label(), i);
         for (const std::string& name : keys_[i].traits().formerly)
-            keys_by_old_label_.emplace(keys_[i].key().section() + "." + name, i);
+            keys_by_old_label_.emplace(old_label(i, name), i);
         has_secrets_ = has_secrets_ || keys_[i].traits().secret;
     }
 }
@@ -125,11 +125,11 @@ const config::Key& Declaration::key(std::string_view label) const {
     return data_->keys()[data_->key_at(label)].key();
 }
 
-Declaration Declaration::check(std::vector<std::string> labels, Check check) const {
+Declaration Declaration::check(std::vector<std::string> labels, Check rule) const {
     for (const std::string& label : labels) data_->key_at(label);
     if (labels.empty()) throw ValueError("a check must name the keys that it speaks of");
     Uses uses = *uses_;
-    uses.checks.push_back({std::move(labels), std::move(check)});
+    uses.checks.push_back({std::move(labels), std::move(rule)});
     Declaration checking = *this;
     checking.uses_ = utils::NotNull<Uses>(std::make_shared<const Uses>(std::move(uses)));
     return checking;

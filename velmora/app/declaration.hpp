@@ -58,7 +58,7 @@ public:
     /// The declaration with a check that every load makes of what is about to hold; a load that it
     /// finds fault with fails. Earlier checks stay. `labels` are the keys that it speaks of, at least one. Throws
     /// ConfigKeyError for a label that is no key's.
-    [[nodiscard]] Declaration check(std::vector<std::string> labels, Check check) const;
+    [[nodiscard]] Declaration check(std::vector<std::string> labels, Check rule) const;
 
     /// The values that hold when each layer goes over those before it. Throws LoadError for faults
     /// that are errors, with all others in it; then nothing has been reported.

@@ -37,6 +37,10 @@ public:
     std::size_t find_key(std::string_view label) const;
     /// The same of the key that had this label before.
     std::size_t find_old_key(const std::string& label) const;
+    /// The label that a key had by a name that it had.
+    std::string old_label(std::size_t key, const std::string& name) const {
+        return keys_[key].key().section() + "." + name;
+    }
     /// Whether a section has a key that has this name, or had it.
     bool is_key(std::size_t section, const std::string& name) const;
 

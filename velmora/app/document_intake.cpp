@@ -139,7 +139,8 @@ void Intake::take_section(const Document& in, std::size_t section, const Mapping
             if (old_entry == nullptr) continue;
             ++known;
             const bool given = found != nullptr;
-            Fault& fault = add_old_name(first + i, name + "." + old, *in.name, named(in), given);
+            const std::string label = declaration().old_label(first + i, old);
+            Fault& fault = add_old_name(first + i, label, *in.name, named(in), given);
             place(fault, in, in.key_span(*mapping, *old_entry), Shown::line);
             if (given) continue;
             found = old_entry;

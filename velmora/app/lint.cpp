@@ -29,7 +29,8 @@ constexpr bool is_letter(char c) noexcept {
 bool is_word(std::string_view name, std::string_view others) {
     return !name.empty() && is_letter(name.front()) &&
            std::all_of(name.begin(), name.end(), [others](char c) {
-               return is_letter(c) || utils::is_digit(c) || others.find(c) != others.npos;
+               return is_letter(c) || utils::is_digit(c) ||
+                      others.find(c) != std::string_view::npos;
            });
 }
 

@@ -26,7 +26,7 @@ Values Loading::load(const std::vector<Layer>& layers, const LoadOptions& option
         layer.source().give(intake);
     }
     const auto data = std::make_shared<Values::Data>(intake.finish());
-    const Values now(data);
+    Values now(data);
     if (!has_error(data->faults)) {
         if (declaration_.uses_->bind) data->bound = declaration_.uses_->bind(*data);
         make_checks(now, intake, data->faults);

@@ -7,7 +7,8 @@
 //     std::string, a path           a str
 //     an enum class                 a str, one of the names that `names_of`, a function beside it,
 //                                   gives its values
-//     std::chrono::duration         a float, or an int if whole counts are all that it holds
+//     std::chrono::duration         a float, or an int if whole counts are all that it holds; below
+//                                   zero as well, unless its bounds say no
 //     std::vector of these, but     a list, each item as a key of its type would judge it
 //       for bool and durations
 //     std::optional of all these    the same, or null
@@ -82,7 +83,7 @@ inline constexpr bool is_member<std::optional<T>> = is_plain<T>;
 
 /// What a member's type says of its key.
 struct MemberType {
-    config::KeyKind kind;
+    config::KeyKind kind = config::KeyKind::str;
     /// The numbers that the type holds; empty for all that a key may take.
     std::optional<config::Bound> limits = std::nullopt;
     /// Whether it is a float: bounds hold for the float that is nearest to a value.
@@ -134,10 +135,12 @@ MemberType describe() {
         if constexpr (!std::same_as<T, std::vector<std::string>>)
             type.items = std::make_shared<const MemberType>(describe<typename T::value_type>());
         return type;
-    } else {
+    } else if constexpr (is_member<T>) {
         MemberType type = describe<typename T::value_type>();
         type.optional = true;
         return type;
+    } else {
+        return {};
     }
 }
 
@@ -156,12 +159,15 @@ config::ConfigValue value_of(const T& member) {
         return value_of(member.count());
     } else if constexpr (is_list<T>) {
         std::vector<config::ConfigValue> items;
+        items.reserve(member.size());
         for (const auto& item : member) items.push_back(value_of(item));
         return config::List(std::move(items));
     } else if constexpr (Single<T>) {
         return member;
-    } else {
+    } else if constexpr (is_member<T>) {
         return member ? value_of(*member) : config::ConfigValue();
+    } else {
+        return {};
     }
 }
 
@@ -185,9 +191,11 @@ T member_of(const config::ConfigValue& value) {
         return items;
     } else if constexpr (Single<T>) {
         return value.get<T>();
-    } else {
+    } else if constexpr (is_member<T>) {
         if (value.is_null()) return std::nullopt;
         return member_of<typename T::value_type>(value);
+    } else {
+        return {};
     }
 }
 

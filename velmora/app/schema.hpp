@@ -131,14 +131,14 @@ public:
 
     const Declaration& declaration() const noexcept { return declaration_; }
 
-    /// The schema with a check that every load makes of what is about to hold: `check` is given a
+    /// The schema with a check that every load makes of what is about to hold: `rule` is given a
     /// `const Config&` and returns what is wrong, an empty text for nothing. `labels` are the keys
     /// that it speaks of. As `Declaration::check`.
-    template <std::invocable<const Config&> Check>
-    [[nodiscard]] Schema check(std::vector<std::string> labels, Check check) const {
+    template <std::invocable<const Config&> Rule>
+    [[nodiscard]] Schema check(const std::vector<std::string>& labels, Rule rule) const {
         return Schema(declaration_.check(
-            std::move(labels), [check = std::move(check)](const Values& values) -> std::string {
-                return check(*static_cast<const Config*>(detail::bound(values)));
+            labels, [rule = std::move(rule)](const Values& values) -> std::string {
+                return rule(*static_cast<const Config*>(detail::bound(values)));
             }));
     }
 

@@ -33,7 +33,8 @@ public:
         for (std::size_t i = 0; i < keys.size(); ++i) {
             bool given = take(intake, i, keys[i].label(), true, false);
             for (const std::string& old : keys[i].traits().formerly)
-                given = take(intake, i, keys[i].key().section() + "." + old, false, given) || given;
+                given =
+                    take(intake, i, intake.declaration().old_label(i, old), false, given) || given;
         }
     }
 

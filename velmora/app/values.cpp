@@ -1,5 +1,6 @@
 #include "velmora/app/values.hpp"
 
+#include <algorithm>
 #include <utility>
 
 #include "velmora/app/values_data.hpp"
@@ -18,6 +19,13 @@ const config::ConfigValue& Values::operator[](std::string_view label) const& {
 
 const std::vector<GivenValue>& Values::given(std::string_view label) const& {
     return data_->given[data_->declaration->key_at(label)];
+}
+
+const GivenValue* Values::held(std::string_view label) const& {
+    const std::vector<GivenValue>& all = given(label);
+    const auto found = std::find_if(all.begin(), all.end(),
+                                    [](const GivenValue& each) { return each.accepted(); });
+    return found != all.end() ? &*found : nullptr;
 }
 
 config::Record Values::record(std::string_view section) const {

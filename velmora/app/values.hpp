@@ -29,7 +29,7 @@ struct GivenValue {
     std::string refusal = {};
 
     bool accepted() const noexcept { return refusal.empty(); }
-    /// The source and the place in it: "/etc/webd.yaml:3:9".
+    /// The source and the place in it, "/etc/webd.yaml:3:9", with nothing escaped.
     VELMORA_EXPORT std::string place() const;
 };
 
@@ -56,6 +56,10 @@ public:
     /// none is, the default does. Throws ConfigKeyError when there is no such key.
     const std::vector<GivenValue>& given(std::string_view label) const&;
     std::vector<GivenValue> given(std::string_view label) const&& { return given(label); }
+
+    /// The one of these that holds, null for the default.
+    const GivenValue* held(std::string_view label) const&;
+    const GivenValue* held(std::string_view label) const&& = delete;
 
     /// A new record of the values of a section. Throws ConfigKeyError when there is no such section.
     config::Record record(std::string_view section) const;

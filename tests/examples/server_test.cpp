@@ -1,0 +1,138 @@
+// The example daemon: what it makes of requests, what it keeps, and how it answers over its sockets.
+#include <tuple>
+
+#include <netinet/in.h>
+#include <sys/socket.h>
+
+#include "cache.hpp"
+#include "command_line.hpp"
+#include "descriptor.hpp"
+#include "http.hpp"
+
+namespace {
+
+TEST(TakeRequest, SaysWhatIsUnderstood) {
+    const std::string host = "\r\nHost: a\r\n", end = "\r\n\r\n", bad = "400 - - close";
+    const std::string most = "GET /" + std::string(most_request_bytes - 23, 'x') + " HTTP/1.1" + host;
+    // What came in, and what is taken from it, then what is left.
+    const std::pair<std::string, std::string> cases[] = {
+        {"", ""},
+        {"GET / HTTP/1.1" + host, ""},
+        {"\r\n\r\nGET /a?b HTTP/1.1" + host + "\r\nGET", "200 GET /a?b|GET"},
+        {"HEAD / HTTP/1.1\r\nHOST:\r\nx: close" + end, "200 HEAD / no body|"},
+        {"GET / HTTP/1.1\r\nconnection: te ,\tClose" + host + "\r\n", "200 GET / close|"},
+        {"GET / HTTP/1.1\r\nConnection: closed\r\nContent-Length: 0" + host + "\r\n", "200 GET /|"},
+        {"GET / HTTP/1.0" + end, "200 GET / close|"},
+        {"GET / HTTP/1.1\r\nContent-Length: 3" + host + "\r\nabc", "200 GET / close|abc"},
+        {"GET / HTTP/1.1\r\ntransfer-encoding: x" + host + "\r\n", "200 GET / close|"},
+        {"POST / HTTP/1.1" + host + "\r\n", "405 POST / close|"},
+        {"OPTIONS * HTTP/1.1" + host + "\r\n", "405 OPTIONS * close|"},
+        {"GET / HTTP/1.1" + end, bad + "|"},
+        {"GET / HTTP/1.1\r\nHost: a" + host + "\r\n", bad + "|"},
+        {"GET / HTTP/2" + host + "\r\n", bad + "|"},
+        {"GET a HTTP/1.1" + host + "\r\n", bad + "|"},
+        {"GET /\x1b[m HTTP/1.1" + host + "\r\n", bad + "|"},
+        {"GET  / HTTP/1.1" + host + "\r\n", bad + "|"},
+        {"GET / HTTP/1.1" + host + "x" + end, bad + "|"},
+        {"GET / HTTP/1.1" + host + " x: y" + end, bad + "|"},
+        {most, ""},
+        {most + "x", ""},
+        {most + "\r\n", "200 GET " + most.substr(4, most.find(" HTTP") - 4) + "|"},
+        {most + "xx\r\n\r\n", "431 - - close|" + most + "xx\r\n\r\n"},
+        {most + "xxxx", "431 - - close|" + most + "xxxx"},
+    };
+    for (const auto& [came, taken] : cases) {
+        std::string in = came, out;
+        if (const auto request = take_request(in)) {
+            out = std::to_string(request->status) + " " + request->method + " " + request->target;
+            out += (request->head_only ? " no body" : "") + std::string(request->close ? " close" : "") + "|" + in;
+        }
+        EXPECT_EQ(out, taken) << came;
+    }
+}
+
+TEST(ResponseCache, LetsGoOfWhatThePolicySays) {
+    const auto response = [](std::size_t size) { return Response{"", std::string(size, 'x')}; };
+    const Moment now(Seconds(0));
+    for (const auto& [policy, gone] :
+         {std::pair(CachePolicy::fifo, "a"), {CachePolicy::lru, "b"}, {CachePolicy::lfu, "c"}}) {
+        const Cache settings = {.max_bytes = 30, .ttl = Seconds(5), .policy = policy, .bypass = {"x"}};
+        ResponseCache cache(settings);
+        for (const char* path : {"a", "b", "c"}) cache.keep(path, response(9), now);
+        for (const char* path : {"b", "b", "a", "c", "a"}) EXPECT_NE(cache.find(path, now), nullptr);
+        for (const char* path : {"x", "d"}) cache.keep(path, response(9), now);
+        cache.keep("y", response(30), now);
+        for (const char* path : {"a", "b", "c", "d", "x", "y"}) {
+            const bool kept = std::string("dabc").find(path) != std::string::npos && std::string(gone) != path;
+            EXPECT_EQ(cache.find(path, now + Seconds(4.5)) != nullptr, kept) << gone << path;
+            EXPECT_EQ(cache.find(path, now + Seconds(5)), nullptr);
+        }
+        // What is stale leaves all of its room.
+        cache.keep("a", response(29), now);
+        EXPECT_EQ(cache.find("a", now)->size(), 29U);
+    }
+}
+
+std::string free_port() {
+    const Descriptor socket(::socket(AF_INET, SOCK_STREAM, 0));
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto* const any = reinterpret_cast<sockaddr*>(&address);
+    EXPECT_EQ(::bind(socket.get(), any, size) | ::getsockname(socket.get(), any, &size), 0);
+    return std::to_string(::ntohs(address.sin_port));
+}
+
+class Serve : public CommandLine {
+protected:
+    // What the daemon answers to a script of bash, which connects to it on descriptor 3, without the header fields that
+    // vary; and the status with which it ends on a signal.
+    static std::string served(const std::string& options, const std::string& script, const char* signal = "TERM") {
+        ::setenv("port", free_port().c_str(), 1);
+        ::setenv("options", options.c_str(), 1);
+        ::setenv("script", script.c_str(), 1);
+        ::setenv("signal", signal, 1);
+        ::setenv("TZ", "here-2", 1);
+        const Outcome outcome = run(R"sh(bash -c '
+            get() { printf "${2:-GET} $1 HTTP/1.1\r\nHost: a\r\n$3\r\n" >&3; }
+            last() { get "$1" "$2" "Connection: close\r\n"; cat <&3; }
+            $webd run --set server.port=$port --set server.workers=1 $options & pid=$!
+            until (exec 3<>/dev/tcp/127.0.0.1/$port) 2>/dev/null || ! kill -0 $pid; do sleep 0.01; done
+            (exec 3<>/dev/tcp/127.0.0.1/$port; eval "$script") | tr -d "\r" |
+                grep -E "^(HTTP|X-|Conn|Allow|Resp)" | sed "s/ of .*, to//" | tr "\n" "|"
+            kill -$signal $pid; wait $pid')sh");
+        return outcome.out + std::to_string(outcome.status);
+    }
+};
+
+TEST_F(Serve, AnswersUntilASignalComes) {
+    const std::string ok = "HTTP/1.1 200 OK|", close = "Connection: close|", tags = "X-Tag: a|X-Tag: b|";
+    const std::string log = "sed s/^[^+]*/X-/ log | grep -v listening";
+    const std::tuple<std::string, std::string, std::string> cases[] = {
+        {"--set server.tags=a,b", "get /x; get /x?y; get /health; last /health",
+         ok + tags + "Response 1 /x|" + ok + tags + "Response 1 /x|" + ok + tags + "Response 2 /health|" + ok + tags +
+             close + "Response 3 /health|0"},
+        {"--set cache.enabled=0", "get /; last /", ok + "Response 1 /|" + ok + close + "Response 2 /|0"},
+        {"--set server.maintenance=1", "last /", "HTTP/1.1 503 Service Unavailable|" + close + "0"},
+        {"--set server.keep_alive=0", "get /; cat <&3", ok + close + "Response 1 /|0"},
+        {"--set server.keep_alive=0.1", "get /; cat <&3", ok + "Response 1 /|0"},
+        {"", "get / POST; cat <&3", "HTTP/1.1 405 Method Not Allowed|Allow: GET, HEAD|" + close + "0"},
+        {"", "last / HEAD", ok + close + "0"},
+        {"", "echo >&3; get /; cat <&3", "HTTP/1.1 400 Bad Request|" + close + "0"},
+        {"--set log.file=log --set log.utc=0 --set log.sample_rate=0.5", "get /a; get /b; get /c; last /d; " + log,
+         ok + "Response 1 /a|" + ok + "Response 2 /b|" + ok + "Response 3 /c|" + ok + close +
+             "Response 4 /d|X-+0200 info 200 GET /b|X-+0200 info 200 GET /d|0"},
+        {"--set log.file=l --set log.level=warning", "get /a; last / POST >o; sed s/^[^+]*/X-/ l",
+         "X-+0000 warning 405 POST /|0"},
+        {"", "$webd run --set server.port=$port; echo X-$?", "X-1|0"},
+    };
+    for (const auto& [options, script, answers] : cases)
+        EXPECT_EQ(served(options, script), answers) << options << script;
+    EXPECT_EQ(served("", "last /", "INT"), ok + close + "Response 1 /|0");
+    // Neither is left behind by the other.
+    EXPECT_EQ(served("", "get /; read <&3; kill -KILL $(cat /proc/$pid/task/$pid/children)", "0"), "1");
+    EXPECT_EQ(served("", "get /; read <&3; kill -KILL $pid; cat >o <&3", "0"), "137");
+}
+
+}  // namespace

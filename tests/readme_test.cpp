@@ -54,7 +54,8 @@ TEST(Readme, ShowsWhatHappens) {
     EXPECT_THROW(load({"server.port=x"}), app::LoadError);
     EXPECT_EQ(output_for(block("yaml"), read), block("text", 2));
     const std::string defaults = "Server(host='127.0.0.1', port=8080, tags=['a', 'b'])\n";
-    for (const char* content : {"", "# server:\n", "- server\n"}) EXPECT_EQ(output_for(content, read), defaults) << content;
+    for (const char* content : {"", "# server:\n", "- server\n"})
+        EXPECT_EQ(output_for(content, read), defaults) << content;
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 
 #include "support.hpp"
 #include "velmora/app/declaration.hpp"
+#include "velmora/app/explain.hpp"
 #include "velmora/app/traits.hpp"
 #include "velmora/utils/logging.hpp"
 #include "velmora/utils/texts.hpp"
@@ -440,6 +441,11 @@ TEST(Layers, ShowSecretsNowhere) {
                          sets({"s.a=" + secret, "s.b=" + secret})});
     try_to(declaration, {credentials({.directory = folder.path("")}), text("s: {c: x}", "f")});
     try_to(checked, {text("s: {a: 1, b: [" + secret + "]}", "f")});
+    const auto silent = LoadOptions{.report = [](const Fault&) {}};
+    const Values given =
+        declaration.load({text("s: {b: [" + secret + "1]}", "f"), text("s: {b: {" + secret + ": 1}}", "g")}, silent);
+    for (const Explanation& each : explain(given)) out << text_of(each);
+    out << text_of(plan(declaration.load({}, silent), given));
     EXPECT_THAT(out.str(), testing::Not(HasSubstr(secret)));
     EXPECT_THAT(out.str(), HasSubstr("Ignoring s.a in f: Invalid value for s.a, a secret that is not shown. It must be "
                                      "an int; keeping the default (secret)"));
@@ -529,6 +535,31 @@ TEST(Names, AreLookedUpAndGuessed) {
     EXPECT_EQ(one_line(hosts.fault(list, 1, "no port")), "f:2:10: no port");
     EXPECT_EQ(one_line(hosts.fault(hosts.value().get<Mapping>(), *hosts.value().get<Mapping>().begin(), "bad")),
               "f:2:6: bad");
+}
+
+TEST(Explanations, SayWhatHoldsAndWhy) {
+    const auto load = [](const std::vector<Layer>& layers) {
+        return webd().load(layers, {.report = [](const Fault&) {}});
+    };
+    const Layer variables = environment({.variables = {{{"PORT", "9090"}}}});
+    const Values now = load({text("server: {port: 0}", "a"), text("server: {port: 80}\nhosts: 1", "b"), variables});
+    EXPECT_EQ(text_of(explain(now, "server.port")),
+              "server.port = 9090\n"
+              "  Port. An int, at least 1 and at most 65535.\n"
+              "  from     $PORT\n"
+              "  hides    80  b:1:16\n"
+              "  refused  0  a:1:16: Invalid value for server.port: 0. It must be at least 1 and at most 65535\n"
+              "  default  8080\n"
+              "  a change takes a restart of the daemon\n");
+    EXPECT_EQ(text_of(explain(now).back()),
+              "log.level = 'info'\n  Level. A str, one of: debug, info.\n  from     the default\n  a change takes no "
+              "restart\n");
+    const Plan all = plan(now, load({text("log: {level: debug}\nhosts: 2", "f"), variables}));
+    EXPECT_EQ(text_of(all), "log.level: 'info' -> 'debug', takes no restart\nhosts: 1 -> 2, takes no restart\n");
+    EXPECT_EQ(all.restart, Restart::none);
+    EXPECT_EQ(plan(now, load({text("hosts: 1", "f")})).restart, Restart::daemon);
+    EXPECT_EQ(text_of(plan(now, now)), "Nothing changes.\n");
+    EXPECT_THROW(plan(now, Declaration(config_of({})).load({})), ValueError);
 }
 
 TEST(Faults, ArePrintedAsCompilersDo) {

@@ -139,7 +139,7 @@ TEST(Schema, AcceptsWhatMembersHoldAndNothingElse) {
          "most 127\n"},
         {"large=18446744073709551616",
          "Ignoring all.large from the command line: Invalid value for all.large: 18446744073709551616. It must be at "
-         "least 0 and at most 1.84467e+19\n"},
+         "least 0 and at most 1.84467e+19 = all.large is an integer from 0 to 18446744073709551615\n"},
         {"texts=a,c",
          "Ignoring all.texts from the command line: Invalid value for all.texts item 2: 'c'. Must be one of: a, b, "
          "x\n"},
@@ -166,10 +166,10 @@ TEST(Schema, AcceptsWhatMembersHoldAndNothingElse) {
          "-3.40282e+38 and at most 3.40282e+38\n"},
         {"some=0x1",
          "Ignoring all.some from the command line: Cannot set all.some item 1='0x1': expected int (expected a decimal "
-         "integer, got '0x1')\n"},
+         "integer, got '0x1') = all.some is an integer from -2147483648 to 2147483647\n"},
         {"limit=",
          "Ignoring all.limit from the command line: Cannot set all.limit='': expected int (expected a decimal integer, "
-         "got '')\n"},
+         "got '') = all.limit is an integer above 0, up to 2147483647\n"},
     };
     for (const auto& [pair, expected] : cases) EXPECT_EQ(loaded({std::string("all.") + pair}), expected);
     const char* const yaml =

@@ -146,8 +146,7 @@ Values::Data Intake::finish() {
         if (values_.faults[fault].severity == Severity::warning)
             values_.faults[fault].message += keeping(key);
         std::string& note = values_.faults[fault].note;
-        if (note.empty() && !keys[key].traits().unit.empty())
-            note = keys[key].label() + " counts " + keys[key].traits().unit;
+        if (note.empty()) note = keys[key].note();
     }
     return std::move(values_);
 }

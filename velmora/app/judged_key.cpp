@@ -1,5 +1,6 @@
 #include "velmora/app/judged_key.hpp"
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <utility>
@@ -35,6 +36,12 @@ ConfigValue coerced(const config::Key& key, bool single, const ConfigValue& raw)
     ConfigValue value = key.coerce(raw);
     if (!single) return value;
     return key.coerce(detail::shortest(static_cast<float>(value.get<double>())));
+}
+
+// Whether the text of a bound does not say an integer in full.
+bool is_rounded(const config::Number& end) {
+    const auto* integer = end.if_integer();
+    return integer != nullptr && integer->text() != number_text(end);
 }
 
 }  // namespace
@@ -76,9 +83,24 @@ std::string JudgedKey::accepted_text() const {
     } else {
         text.insert(0, kind == KeyKind::int_ ? "an " : "a ");
     }
-    if (!setting.choices().empty()) text += ", one of: " + utils::joined(setting.choices());
+    std::vector<std::string> choices = setting.choices();
+    std::sort(choices.begin(), choices.end());
+    if (!choices.empty()) text += ", one of: " + utils::joined(choices);
     if (setting.bounds()) text += ", " + setting.bounds()->text();
     return text;
+}
+
+std::string JudgedKey::note() const {
+    const config::Setting& setting = item_ ? item_->setting() : key_->setting();
+    const auto& bounds = setting.bounds();
+    const std::string counts = traits_.unit.empty() ? "" : " of " + traits_.unit;
+    const bool integers = bounds && bounds->high() && bounds->low().if_integer() != nullptr &&
+                          bounds->high()->if_integer() != nullptr;
+    if (integers && (is_rounded(bounds->low()) || is_rounded(*bounds->high())))
+        return label_ + " is an integer" + counts + (bounds->low_open() ? " above " : " from ") +
+               bounds->low().if_integer()->text() + (bounds->low_open() ? ", up to " : " to ") +
+               bounds->high()->if_integer()->text();
+    return traits_.unit.empty() ? "" : label_ + " counts " + traits_.unit;
 }
 
 std::string JudgedKey::shown(const ConfigValue& value) const {

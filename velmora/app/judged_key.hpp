@@ -51,6 +51,10 @@ public:
     /// What the key takes: "an int, at least 1 and at most 65535".
     std::string accepted_text() const;
 
+    /// What else helps whoever has given a value that is refused: the range in full, where messages
+    /// round it, and the unit. May be empty.
+    std::string note() const;
+
     /// A value of the key as every text of this layer shows it: the display form, unless it is
     /// secret, cut where it is long.
     std::string shown(const config::ConfigValue& value) const;

@@ -11,6 +11,8 @@
 namespace velmora::app {
 
 struct Values::Data {
+    static const Data& of(const Values& values) noexcept { return *values.data_; }
+
     std::shared_ptr<const Declaration::Data> declaration;
     /// By key, the strongest first.
     std::vector<std::vector<GivenValue>> given;

@@ -35,8 +35,8 @@ const Declaration& webd() {
                                 {{"level", str_type, setting("info", "Level.", {.choices = {"info", "debug"}})}});
     static const RecordType config("Config",
                                    {{"server", server, section(server, "Server.", {.restart = Restart::daemon})},
-                                    {"log", log, section(log, "Log.", {.restart = Restart::none})},
-                                    raw("hosts", "Hosts.", {.restart = Restart::none})});
+                                    raw("hosts", "Hosts.", {.restart = Restart::none}),
+                                    {"log", log, section(log, "Log.", {.restart = Restart::none})}});
     static const Declaration declaration(config);
     return declaration;
 }
@@ -44,11 +44,17 @@ const Declaration& webd() {
 struct Loaded {
     std::optional<Values> values;
     std::vector<std::string> faults;  // One line each.
+    std::vector<std::string> keys;    // Of the faults.
+    std::string printed;              // The faults as compilers do.
 };
 
 Loaded load(const Declaration& declaration, const std::vector<Layer>& layers) {
     Loaded loaded;
-    const auto keep = [&](const Fault& fault) { loaded.faults.push_back(one_line(fault)); };
+    const auto keep = [&](const Fault& fault) {
+        loaded.faults.push_back(one_line(fault));
+        loaded.keys.push_back(fault.key);
+        loaded.printed += text_of(fault);
+    };
     try {
         loaded.values = declaration.load(layers, {.report = keep});
     } catch (const LoadError& error) {
@@ -102,6 +108,7 @@ TEST(Layers, InEveryOrderTheStrongestAcceptedValueHolds) {
             const Loaded loaded = load(webd(), layers);
             ASSERT_EQ(display((*loaded.values)["server.port"]), port) << combination;
             ASSERT_EQ(display((*loaded.values)["server.limit"]), limit) << combination;
+            ASSERT_EQ(loaded.values->held("server.port") == nullptr, port == "8080") << combination;
             ASSERT_EQ(loaded.faults.size(), refused) << combination;
             for (const std::string& fault : loaded.faults) {
                 const bool about_port = fault.find("server.port") != std::string::npos;
@@ -135,15 +142,21 @@ TEST(Layers, ComeFromFilesAndFolders) {
     folder.write("a.yaml", "server: {port: 1, name: a}");
     folder.write("d/10.yaml", "server: {port: 2, limit: 2}");
     folder.write("d/9.yaml", "server: {port: 3}");
-    folder.write("d/.hidden.yaml", "server: {port: 4}");
-    folder.write("d/8.yaml~", "server: {port: 5}");
+    folder.write("d/.hidden.yaml", "server: {prot: 4}");
+    folder.write("d/9.yaml~", "server: {port: 5}");
     folder.write("d/readme", "server: {port: 6}");
     folder.write("..data/11.yaml", "server: {name: linked}");
     fs::create_symlink("../..data/11.yaml", folder.path("d/11.yaml"));
     folder.write("c/server.limit", "77\r\n");
-    folder.write("c/server.name", " two lines\n\n");
+    folder.write("c/server.name", " two lines\n\r\n");
     folder.write("c/log.level", "\n");
     folder.write("c/tls.key", "?");
+    folder.write("e/1.yaml/file", "");
+    fs::create_symlink("nowhere", folder.path("e/2.yaml"));
+    folder.write("e/3.yaml", "servr: 1");
+    folder.write("b.yaml", "server: {port: 0}");
+    folder.write("k/server.port", "hidden");
+    folder.write("k/log.level", "hidden");
     const std::string missing = folder.path("missing");
     const auto now = [&](const std::vector<Layer>& layers) {
         const Loaded loaded = load(webd(), layers);
@@ -166,6 +179,18 @@ TEST(Layers, ComeFromFilesAndFolders) {
         {{file(missing)}, "error: missing: cannot be read: No such file or directory"},
         {{file(folder.path("d"), {.optional = true})}, "error: d: cannot be read: Is a directory"},
         {{directory(missing, {.optional = false})}, "error: missing: cannot be read: No such file or directory"},
+        {{directory(folder.path("a.yaml"))}, "error: a.yaml: cannot be read: Not a directory"},
+        {{directory(folder.path("e"), {.on_fault = OnFault::refuse})},
+         "error: Refusing e/1.yaml: it is no file\nerror: e/2.yaml: cannot be read: No such file or directory\n"
+         "e/3.yaml:1:1: error: Refusing servr in e/3.yaml: there is no such section; did you mean 'server'?"},
+        {{file(folder.path("b.yaml"), {.on_fault = OnFault::refuse})},
+         "b.yaml:1:16: error: Refusing server.port in the config file: Invalid value for server.port: 0. It must be at "
+         "least 1 and at most 65535"},
+        {{credentials({.directory = folder.path("a.yaml")})}, "error: a.yaml: is no directory of credentials"},
+        {{credentials({.directory = folder.path("k"), .on_fault = OnFault::refuse})},
+         "error: Refusing server.port from k/server.port: Invalid value for server.port, a secret that is not shown. "
+         "It must be an int, at least 1 and at most 65535\nerror: Refusing log.level from k/log.level: Invalid value "
+         "for log.level, a secret that is not shown. It must be a str, one of: debug, info"},
     };
     for (const auto& [layers, expected] : cases) EXPECT_EQ(without_folder(now(layers)), expected);
 }
@@ -225,9 +250,10 @@ TEST(Layers, ReportEverythingInOrderWithItsPlace) {
     EXPECT_THAT(
         faults_of({text(yaml, "f"),
                    environment({.prefix = "W_",
-                                .variables = {{{"PORT", "tcp://10.0.0.1:80"},
+                                .variables = {{{"PORT", "udp://10.0.0.1:80"},
                                                {"W_SERVER_PORT", "1"},
-                                               {"W_LOG_LEVEL", "loud"},
+                                               {"W_LOG_LEVEL", "tcp://loud"},
+                                               {"PORT_FILE", "/"},
                                                {"W_OTHER", "1"},
                                                {"W_SERVER_KEEP_ALIVE", "2"}}}}),
                    sets({"server.prot=1", "log.level", "server.port=1", "server.port=0"})}),
@@ -241,12 +267,12 @@ TEST(Layers, ReportEverythingInOrderWithItsPlace) {
                     "f:8:3: Ignoring server.<< in f: merge keys are not followed; write out what it would merge",
                     "f:11:1: Ignoring 1 in f: there is no such section",
                     "f:12:1: Ignoring 'a\\nb' in f: there is no such section",
-                    "Ignoring server.port from $PORT: Cannot set server.port='tcp://10.0.0.1:80': expected int "
-                    "(expected a decimal integer, got 'tcp://10.0.0.1:80'); keeping 1 from the command line "
+                    "Ignoring server.port from $PORT: Cannot set server.port='udp://10.0.0.1:80': expected int "
+                    "(expected a decimal integer, got 'udp://10.0.0.1:80'); keeping 1 from the command line "
                     "(container platforms set such variables for a service of this name: turn that off (in Kubernetes "
                     "with enableServiceLinks: false), or rename the service)",
-                    "Ignoring log.level from $W_LOG_LEVEL: Invalid value for log.level: 'loud'. Must be one of: debug, "
-                    "info; keeping the default 'info'",
+                    "Ignoring log.level from $W_LOG_LEVEL: Invalid value for log.level: 'tcp://loud'. Must be one of: "
+                    "debug, info; keeping the default 'info'",
                     "error: Refusing server.port from the command line: Invalid value for server.port: 0. It must be "
                     "at least 1 and at most 65535",
                     "error: Refusing 'server.prot' from the command line: there is no key 'server.prot'; did you mean "
@@ -265,6 +291,16 @@ TEST(Layers, RefuseWhereTheyMust) {
         {{text("- 1", "f", {.on_fault = OnFault::refuse}), text("", "g")}, {"f:1:1: error: Refusing f: it is a list"}},
         {{text("port: 1", "f", {.on_fault = OnFault::refuse})},
          {"f:1:1: error: Refusing port in the config file: there is no such section"}},
+        {{text("server: ~\nlog: {levle: 1}\nxy: 1\n'': 2\n<<: 3", "f")},
+         {"f:2:7: Ignoring log.levle in the config file: there is no such key; did you mean 'level'?",
+          "f:3:1: Ignoring xy in the config file", "f:4:1: Ignoring '' in the config file",
+          "f:5:1: Ignoring << in the config file: merge keys are not followed"}},
+        {{text("# c\n[1]", "f")}, {"f:2:1: Ignoring the config file: it is a list"}},
+        {{values(Mapping{{"servr", 1}}, "v", {.on_fault = OnFault::refuse})}, {"error: Refusing servr in"}},
+        {{environment({.on_fault = OnFault::refuse, .variables = {{{"PORT", "x"}}}})}, {"error: Refusing server.port"}},
+        {{sets({"server.limit=x", "server.port=x", "servr"}, {.name = "\x1b"})},
+         {"error: Refusing server.port from \\x1b: ", "error: Refusing server.limit from \\x1b: ",
+          "error: Refusing 'servr' from \\x1b: write it as SECTION.KEY=VALUE"}},
         {{variables({{"PORT", ""}})}, {"Ignoring server.port from $PORT: Cannot set server.port=''"}},
         {{text("hosts: [1]", "f"), sets({"hosts.a=1", "=", "servr.port=1"})},
          {"error: Refusing 'hosts.a' from the command line: the section hosts is read as a whole",
@@ -289,14 +325,22 @@ TEST(Layers, RefuseWhereTheyMust) {
 TEST(Layers, TakeTheEnvironmentOfTheProcess) {
     const Folder folder;
     folder.write("server.limit", "5");
+    folder.write("own/server.keep-alive", "3");
     setenv("PORT", "81", 1);
     setenv("CREDENTIALS_DIRECTORY", folder.path("").c_str(), 1);
-    const Layer variables = environment(), files = credentials();
+    const Layer variables = environment(), files = credentials(), own = credentials({.directory = folder.path("own")});
     unsetenv("PORT");
     unsetenv("CREDENTIALS_DIRECTORY");
-    const Values now = webd().load({variables, files, credentials(), sets({"server.name=x", "server.name=y"})});
-    EXPECT_EQ(display(now.record("server")), "Server(port=81, limit=5, name='y', keep-alive=1.0, tags=['a'])");
+    const Values now = webd().load({variables, files, own, credentials(), sets({"server.name=x", "server.name=y=z"})});
+    EXPECT_EQ(display(now.record("server")), "Server(port=81, limit=5, name='y=z', keep-alive=3.0, tags=['a'])");
+    EXPECT_EQ(display(now.record("log")), "Log(level='info')");
+    now.record("server").get<List>("tags").push_back("b");
+    EXPECT_EQ(display(now["server.tags"]), "['a']");
     EXPECT_EQ(now.given("server.name").size(), 2U);
+    const Values refused = webd().load({text("server: {port: x}", "f"), environment({.variables = {{{"PORT", "y"}}}})},
+                                       {.report = [](const Fault&) {}});
+    EXPECT_EQ(display(refused.given("server.port")[0].value), "'y'");
+    EXPECT_EQ(display(refused.given("server.port")[1].value), "'x'");
     now["server.tags"].get<List>().push_back("b");
     EXPECT_EQ(display(webd().load({})["server.tags"]), "['a']");
 }
@@ -320,11 +364,12 @@ TEST(Layers, AreLoggedWithTheirPlaces) {
                             "velmora.app: f:2:19: Ignoring server.prot in the config file: there is no such key; did "
                             "you mean 'port'?"));
     EXPECT_THAT(
-        logged({one, sets({})}),
+        logged({one, sets({"server.port=x"}, {.on_fault = OnFault::warn})}),
         ElementsAre("velmora.config.spec: f:2:16: Ignoring server.port in f: Invalid value for server.port: 0. It must "
                     "be at least 1 and at most 65535; keeping the default 8080",
                     "velmora.config.spec: f:1:6: Ignoring the log section of f: it is not a mapping",
-                    "velmora.app: f:2:19: Ignoring server.prot in f: there is no such key; did you mean 'port'?"));
+                    "velmora.app: f:2:19: Ignoring server.prot in f: there is no such key; did you mean 'port'?",
+                    HasSubstr("velmora.config.spec: Ignoring server.port from the command line")));
 }
 
 // A declaration of one section, whose keys are "a", "b", ...
@@ -338,35 +383,50 @@ RecordType config_of(std::vector<std::pair<DeclaredType, FieldDetails>> keys) {
 
 TEST(Layers, AskForWhatIsRequiredAndCheckAcrossKeys) {
     const Declaration two(
-        config_of({{int_type, required(setting(nullptr, "First."))}, {int_type, setting(5, "Second.")}}));
+        config_of({{int_type, required(setting(nullptr, "First.", {.env = "A"}))}, {int_type, setting(5, "Second.")}}));
     const Declaration ordered = two.check({"s.b", "s.a"}, [](const Values& now) {
         return now.get<int>("s.a") < now.get<int>("s.b") ? "" : "out of order";
     });
     using Faults = std::vector<std::string>;
-    EXPECT_EQ(load(ordered, {}).faults, Faults{"error: s.a must be given a value: First."});
+    EXPECT_EQ(load(ordered, {}).faults, Faults{"error: s.a must be given a value, in $A for one: First."});
     EXPECT_THAT(load(ordered, {text("s: {a: x}", "f")}).faults,
-                ElementsAre(HasSubstr("Cannot set s.a='x'"), "error: s.a must be given a value: First."));
+                ElementsAre(testing::EndsWith("got 'x')"), "error: s.a must be given a value, in $A for one: First."));
+    EXPECT_THAT(load(ordered, {text("s: {a: 4}", "g\x1b"), text("s: {a: x}", "f")}).faults,
+                ElementsAre(testing::EndsWith("; keeping 4 from g\\x1b:1:8")));
+    const Loaded both = load(ordered, {text("s: {a: 9, b: 3}", "f\x1b")});
+    EXPECT_EQ(both.keys, Faults{"s.b"});
+    EXPECT_EQ(both.printed,
+              "f\\x1b:1:14: error: s.b, s.a: out of order\n    1 | s: {a: 9, b: 3}\n      |              ^\n"
+              "      = s.b is 3 from f\\x1b:1:14, s.a is 9 from f\\x1b:1:8\n");
     EXPECT_EQ(load(ordered, {text("s: {a: 4}", "f")}).faults, Faults{});
-    EXPECT_EQ(load(ordered, {text("s: {a: 4}", "f"), sets({"s.b=3"})}).faults,
+    EXPECT_EQ(load(ordered, {text("s: {a: 4, b: 5}", "f"), sets({"s.b=3"})}).faults,
               Faults{"f:1:8: error: s.b, s.a: out of order (s.b is 3 from the command line, s.a is 4 from f:1:8)"});
     EXPECT_EQ(load(ordered, {text("s:\n  a: 9", "f")}).faults,
               Faults{"f:2:6: error: s.b, s.a: out of order (s.b is 5 by default, s.a is 9 from f:2:6)"});
-    EXPECT_EQ(load(ordered.check({"s.a"}, [](const Values&) { return "never right\n"; }), {text("s: {a: 5}", "f")})
-                  .faults.size(),
-              2U);
+    EXPECT_THAT(
+        load(ordered.check({"s.a"}, [](const Values&) { return "never right\n"; }), {text("s: {a: 5}", "f")}).faults,
+        ElementsAre(HasSubstr("out of order"), HasSubstr("s.a: never right\\n (")));
     EXPECT_THROW((void)two.check({"s.c"}, nullptr), ConfigKeyError);
     EXPECT_THROW((void)two.check({}, nullptr), ValueError);
 }
 
 TEST(Layers, TakeOldNamesAndSayTheNewOnes) {
+    const Folder folder;
+    folder.write("one/s.old", "7");
+    folder.write("two/s.a", "6");
+    folder.write("two/s.older", "5");
     const auto formerly = [](std::vector<std::string> names) { return KeyTraits{.formerly = std::move(names)}; };
     const Declaration renamed(config_of(
         {{int_type, with_traits(setting(1, "A."), formerly({"old", "older"}))}, {int_type, setting(2, "B.")}}));
     const auto variables = [](std::map<std::string, std::string> all) {
         return environment({.prefix = "W_", .variables = std::move(all)});
     };
-    const std::tuple<std::vector<Layer>, const char*, std::vector<const char*>> cases[] = {
-        {{text("s: {old: 7}", "f")}, "7", {"f:1:5: s.old in the config file is called s.a now: rename it"}},
+    const std::tuple<std::vector<Layer>, const char*, std::vector<std::string>> cases[] = {
+        {{text("s: {old: 7, zz: 0}", "f")},
+         "7",
+         {"f:1:5: s.old in the config file is called s.a now: rename it", "f:1:13: Ignoring s.zz"}},
+        {{credentials({.directory = folder.path("one")})}, "7", {folder.path("one/s.old in ")}},
+        {{credentials({.directory = folder.path("two")})}, "6", {"Ignoring " + folder.path("two/s.older in ")}},
         {{text("s: {old: 7, b: 1, a: 8}", "f"), text("", "g")},
          "8",
          {"f:1:5: Ignoring s.old in f: it is called s.a now, which is given as well"}},
@@ -376,10 +436,11 @@ TEST(Layers, TakeOldNamesAndSayTheNewOnes) {
         {{text("s: {a: 7}", "f"), variables({{"W_S_OLD", "8"}})},
          "8",
          {"$W_S_OLD in the environment is called s.a now: rename it"}},
+        {{variables({{"W_S_OLD", "x"}})}, "1", {"$W_S_OLD in the", "Ignoring s.a from $W_S_OLD: Cannot set"}},
         {{variables({{"W_S_OLD", "8"}, {"W_S_A", "9"}})},
          "9",
          {"Ignoring $W_S_OLD in the environment: it is called s.a now"}},
-        {{sets({"s.old=7"})}, "7", {"s.old in the command line is called s.a now: rename it"}},
+        {{sets({"s.b=1", "s.old=7"})}, "7", {"s.old in the command line is called s.a now: rename it"}},
         {{sets({"s.a=6", "s.old=7"}, {.on_fault = OnFault::warn})},
          "6",
          {"Ignoring s.old in the command line: it is called s.a now"}},
@@ -390,10 +451,11 @@ TEST(Layers, TakeOldNamesAndSayTheNewOnes) {
         ASSERT_EQ(loaded.faults.size(), faults.size()) << utils::joined(loaded.faults, "\n");
         for (std::size_t i = 0; i < faults.size(); ++i) EXPECT_THAT(loaded.faults[i], testing::StartsWith(faults[i]));
     }
-    const Declaration clashing(config_of({{int_type, with_traits(setting(1, "A."), formerly({"x-y"}))},
-                                          {int_type, with_traits(setting(1, "B."), formerly({"x_y"}))}}));
+    const Declaration clashing(config_of({{int_type, with_traits(setting(1, "A."), formerly({"x-z"}))},
+                                          {int_type, with_traits(setting(1, "B."), formerly({"x_z"}))}}));
+    EXPECT_THAT(load(clashing, {variables({})}).keys, ElementsAre("s.a", "s.b"));
     EXPECT_THAT(load(clashing, {variables({})}).faults,
-                ElementsAre("error: $W_S_X_Y would stand for s.a and for another key: name another variable for it",
+                ElementsAre("error: $W_S_X_Z would stand for s.a and for another key: name another variable for it",
                             testing::HasSubstr("s.b")));
 }
 
@@ -407,7 +469,18 @@ TEST(Layers, ShowSecretsNowhere) {
         return std::pair(type, with_traits(setting(value, "Doc.", {.env = variable}), {.secret = true}));
     };
     const Declaration declaration(
-        config_of({key(int_type, 7, "A"), key(list_of(str_type), List{secret}, "B"), {int_type, setting(1, "Open.")}}));
+        config_of({key(int_type, 7, "A"),
+                   key(list_of(str_type), List{secret}, "B"),
+                   {int_type, setting(1, "Open.")},
+                   {int_type, optional(with_traits(setting(nullptr, "Doc."), {.secret = true}))}}));
+    const RecordType open("Open", {{"a", int_type, setting(1, "Doc.")}, {"b", int_type, setting(1, "Doc.")}});
+    const RecordType half("Half", {{"a", int_type, setting(1, "Doc.")},
+                                   {"b", int_type, key(int_type, 7, "A").second},
+                                   {"c", int_type, setting(1, "Doc.")}});
+    const SectionOptions none{.restart = Restart::none};
+    const Declaration sections(RecordType(
+        "Config",
+        {{"r", open, section(open, "Doc.", none)}, {"s", half, section(half, "Doc.", none)}, raw("h", "Doc.", none)}));
     const Declaration checked = declaration.check({"s.a", "s.b"}, [](const Values&) { return "no"; });
     const std::string broken[] = {
         "s: {a: " + secret + ", b: {x: " + secret + "}, c: z}",
@@ -436,7 +509,12 @@ TEST(Layers, ShowSecretsNowhere) {
         }
     };
     for (const std::string& yaml : broken)
-        try_to(declaration, {text(yaml, "f"), text("s: {b: [" + secret + "], c: y}", "g")});
+        try_to(declaration, {text(yaml, "f"), text("s: {b: [" + secret + "], c: y, d: " + secret + "}", "g")});
+    try_to(sections, {text("s: " + secret, "f")});
+    const Values whole = sections.load({text("h: {a: 1, b: " + secret + "}", "f")});
+    const auto& in_h = whole.raw("h").value().get<Mapping>();
+    out << whole.raw("h").fault(in_h, *in_h.begin(), "?");
+    EXPECT_THAT(load(declaration, {text("s: {c: [1,\n 2]}", "f")}).printed, testing::Not(HasSubstr("^")));
     try_to(declaration, {environment({.variables = {{{"A", secret}, {"B_FILE", folder.path("missing")}}}}),
                          sets({"s.a=" + secret, "s.b=" + secret})});
     try_to(declaration, {credentials({.directory = folder.path("")}), text("s: {c: x}", "f")});
@@ -449,13 +527,19 @@ TEST(Layers, ShowSecretsNowhere) {
     EXPECT_THAT(out.str(), testing::Not(HasSubstr(secret)));
     EXPECT_THAT(out.str(), HasSubstr("Ignoring s.a in f: Invalid value for s.a, a secret that is not shown. It must be "
                                      "an int; keeping the default (secret)"));
+    EXPECT_THAT(out.str(), HasSubstr("s.b, a secret that is not shown. It must be a list of texts; keeping"));
+    EXPECT_THAT(out.str(), HasSubstr("s.d, a secret that is not shown. It must be an int; keeping the default None"));
     EXPECT_THAT(out.str(),
                 HasSubstr("error: Refusing s.b from the command line: it is secret, and this can be seen by everyone"));
     EXPECT_THAT(out.str(), HasSubstr("    1 |        x\n      |        ^\n"));
+    const Loaded unread = load(declaration, {environment({.variables = {{{"A_FILE", folder.path("no\x1b")}}}})});
+    EXPECT_EQ(unread.keys, std::vector<std::string>{"s.a"});
+    EXPECT_EQ(unread.faults.front(),
+              "error: " + folder.path("no\\x1b") + ": cannot be read: No such file or directory");
     const Loaded from_file = load(declaration, {environment({.variables = {{{"A_FILE", folder.path("file")}}}})});
     EXPECT_EQ(display((*from_file.values)["s.a"]), "1");
     const Loaded both =
-        load(declaration, {environment({.variables = {{{"A", "2"}, {"A_FILE", folder.path("file")}}}})});
+        load(declaration, {environment({.variables = {{{"A", "2"}, {"A_FILE", folder.path("file")}, {"S_C", "x"}}}})});
     EXPECT_EQ(display((*both.values)["s.a"]), "2");
     EXPECT_THAT(both.faults, ElementsAre("Ignoring s.a from $A_FILE: $A is given as well; keeping (secret) from $A"));
 }
@@ -529,10 +613,17 @@ TEST(Names, AreLookedUpAndGuessed) {
               "ConfigKeyError: there is no key 'server.prot'; did you mean 'server.port'?");
     EXPECT_EQ(test::outcome([&] { return now.record("sever"); }),
               "ConfigKeyError: there is no section 'sever'; did you mean 'server'?");
+    EXPECT_EQ(test::outcome([&] { return now["log.levle"]; }),
+              "ConfigKeyError: there is no key 'log.levle'; did you mean 'log.level'?");
     EXPECT_THROW(now.raw("log"), TypeError);
     const Raw& hosts = now.raw("hosts");
     const auto& list = hosts.value().find("a")->get<List>();
-    EXPECT_EQ(one_line(hosts.fault(list, 1, "no port")), "f:2:10: no port");
+    EXPECT_EQ(one_line(hosts.fault(list, 1, "no\nport")), "f:2:10: no\\nport");
+    const Values bare = webd().load({values(Mapping{{"hosts", Mapping{{"a", List{1}}}}}, "v")});
+    const auto& in_bare = bare.raw("hosts").value().get<Mapping>();
+    EXPECT_EQ(one_line(bare.raw("hosts").fault(in_bare, *in_bare.begin(), "bad")), "bad");
+    EXPECT_EQ(one_line(bare.raw("hosts").fault(in_bare.find("a")->get<List>(), 0, "bad")), "bad");
+    EXPECT_EQ(display(webd().load({text("hosts: 1", "f"), text("hosts: ~", "g")}).raw("hosts").value()), "1");
     EXPECT_EQ(one_line(hosts.fault(hosts.value().get<Mapping>(), *hosts.value().get<Mapping>().begin(), "bad")),
               "f:2:6: bad");
 }
@@ -560,6 +651,44 @@ TEST(Explanations, SayWhatHoldsAndWhy) {
     EXPECT_EQ(plan(now, load({text("hosts: 1", "f")})).restart, Restart::daemon);
     EXPECT_EQ(text_of(plan(now, now)), "Nothing changes.\n");
     EXPECT_THROW(plan(now, Declaration(config_of({})).load({})), ValueError);
+}
+
+TEST(Names, AreGuessedForTheFirstTwentyAlone) {
+    std::string many = "server: {";
+    for (char c = 'a'; c <= 'u'; ++c) many += std::string("port") + c + ": 1, ";
+    const std::vector<std::string> faults =
+        faults_of({text(many + "}", "f"), sets({"server.prot=1"}, {.on_fault = OnFault::warn})});
+    EXPECT_THAT(faults[19], HasSubstr("portt in f: there is no such key; did you mean 'port'?"));
+    EXPECT_THAT(faults[20], testing::EndsWith("portu in f: there is no such key"));
+    EXPECT_THAT(faults[21], testing::EndsWith("there is no such key"));
+}
+
+TEST(Faults, CutWhatHoldsUnlessOneFileIsAlone) {
+    const std::string wide(300, 'x'), cut = wide.substr(0, 20);
+    const Declaration long_default(config_of({{str_type, setting(wide, "Doc.")}}));
+    const Layer null = text("s: {a: ~}", "f");
+    EXPECT_THAT(load(long_default, {null}).faults, ElementsAre(HasSubstr("keeping the default '" + wide + "'")));
+    EXPECT_THAT(load(long_default, {null, sets({})}).faults,
+                ElementsAre(testing::AllOf(HasSubstr("keeping the default '" + cut), testing::Not(HasSubstr(wide)))));
+}
+
+TEST(Faults, ShowTheLineOfABrokenFile) {
+    EXPECT_EQ(load(webd(), {text("\xef\xbb\xbf# a\r\n# b\r# c\nlog: {\xc3\xbc ]: 1}\n# d\n", "f")}).printed,
+              "f:4:9: error: this bracket closes none: remove it, or quote the text\n    4 | log: {\xc3\xbc ]: 1}\n    "
+              "  |         ^\n");
+    EXPECT_THAT(load(webd(), {text("\xef\xbb\xbf]", "f")}).printed, HasSubstr("    1 | ]\n      | ^\n"));
+    EXPECT_THAT(load(webd(), {text("[1]", "f")}).printed, HasSubstr("    1 | [1]\n      | ^~~\n"));
+    EXPECT_EQ(Excerpt("ab", 9, 1).marker(), "  ^");
+    EXPECT_EQ(Excerpt("ab", 1, 9).marker(), " ^");
+    EXPECT_EQ(text_of({.kind = FaultKind::of_application,
+                       .severity = Severity::warning,
+                       .key = "",
+                       .source = "f",
+                       .line = 1234567,
+                       .column = 1,
+                       .message = "?",
+                       .excerpt = Excerpt("a", 0, 1)}),
+              "f:1234567:1: ?\n1234567 | a\n        | ^\n");
 }
 
 TEST(Faults, ArePrintedAsCompilersDo) {

@@ -22,6 +22,10 @@ enum class Level { debug = 3, info = -1 };
 app::EnumNames<Level> names_of(Level) {
     return {{Level::debug, "debug"}, {Level::info, "info"}};
 }
+enum class Nameless {};
+app::EnumNames<Nameless> names_of(Nameless) {
+    return {};
+}
 
 struct All {
     bool flag = true;
@@ -56,16 +60,16 @@ app::SectionRow<Config> section_of(All Config::*member, const char* name) {
     return app::section(member, name, "Everything.", {.restart = Restart::worker},
                         {
                             app::key(&All::flag, "flag", "Flag.", {.env = "FLAG", .restart = Restart::none}),
-                            app::key(&All::tiny, "tiny", "Integer.", {.bounds = Bound(-100)}),
-                            app::key(&All::large, "large", "Integer."),
+                            app::key(&All::tiny, "tiny", "Integer.", {.bounds = Bound(-100, 127)}),
+                            app::key(&All::large, "large", "Integer.", {.bounds = Bound(0, velmora::test::inf)}),
                             app::key(&All::small, "small", "Integer.", {.bounds = POSITIVE}),
-                            app::key(&All::rate, "rate", "Float.", {.bounds = Bound(-velmora::test::inf, 1e30)}),
+                            app::key(&All::rate, "rate", "Float.", {.bounds = Bound(-velmora::test::inf, 1e30, true)}),
                             app::key(&All::real, "real", "Float."),
                             app::key(&All::text, "text", "Text.", {.choices = {"abc", "1.20"}}),
                             app::key(&All::path, "path", "Path."),
                             app::key(&All::level, "level", "Level."),
                             app::key(&All::wait, "wait", "How long it waits.", {.bounds = NON_NEGATIVE}),
-                            app::key(&All::pause, "pause", "Milliseconds that it pauses"),
+                            app::key(&All::pause, "pause", "Milliseconds that it pauses", {.env = "PAUSE"}),
                             app::key(&All::third, "third", "Pause"),
                             app::key(&All::texts, "texts", "Texts.", {.choices = {"a", "b", "x"}}),
                             app::key(&All::bytes, "bytes", "Bytes.", {.bounds = Bound(0, 200)}),
@@ -75,7 +79,7 @@ app::SectionRow<Config> section_of(All Config::*member, const char* name) {
                             app::key(&All::limit, "limit", "Limit.", {.bounds = POSITIVE}),
                             app::key(&All::some, "some", "Some."),
                             app::key(&All::end, "end", "End."),
-                            app::required(&All::token, "token", "Token."),
+                            app::required(&All::token, "token", "Token.", {.secret = true, .formerly = {"key"}}),
                         });
 }
 
@@ -101,6 +105,7 @@ std::string loaded(const std::vector<std::string>& pairs, const std::string& yam
 
 TEST(Schema, MakesKeysOfMembers) {
     std::ostringstream out;
+    EXPECT_EQ(schema().declaration().sections().back().name(), "hosts");
     for (const Key& key : schema().declaration().section("all").keys()) {
         const Setting& setting = key.setting();
         out << key.name() << ' ' << key.kind() << ' ' << key.default_value() << ' ' << setting.doc();
@@ -119,7 +124,7 @@ TEST(Schema, MakesKeysOfMembers) {
               "path str '/srv' Path.\n"
               "level str 'info' Level. debug|info\n"
               "wait float 1.5 How long it waits, in seconds. at least 0\n"
-              "pause int 20 Milliseconds that it pauses at least -9.22337e+18 and at most 9.22337e+18\n"
+              "pause int 20 Milliseconds that it pauses at least -9.22337e+18 and at most 9.22337e+18 $PAUSE\n"
               "third int 2 Pause, in units of 1/3 seconds at least 0 and at most 255\n"
               "texts list ['a', 'b'] Texts.\n"
               "bytes list [1, 2] Bytes.\n"
@@ -170,16 +175,27 @@ TEST(Schema, AcceptsWhatMembersHoldAndNothingElse) {
         {"limit=",
          "Ignoring all.limit from the command line: Cannot set all.limit='': expected int (expected a decimal integer, "
          "got '') = all.limit is an integer above 0, up to 2147483647\n"},
+        {"token=u",
+         "Ignoring all.token from the command line: it is secret, and this can be seen by everyone: give it in a file, "
+         "a variable or a credential\n"},
     };
     for (const auto& [pair, expected] : cases) EXPECT_EQ(loaded({std::string("all.") + pair}), expected);
+    std::string faults;
+    schema().load({app::text("x-a: &a [1, 201]\nall: {token: t, bytes: *a, levels: [info, x]}", "f"),
+                   app::environment({.variables = {{{"PAUSE", "tcp://h"}}}})},
+                  {.report = [&](const app::Fault& fault) { faults += text_of(fault); }});
+    EXPECT_THAT(faults, testing::MatchesRegex("f:2:24: [^|]*\\|[^|]*\\|                        \\^~\n"
+                                              "f:2:43: [^|]*\\|[^|]*\\|                                           \\^\n"
+                                              "Ignoring all.pause from [^\n]*\n      = container platforms .*"));
     const char* const yaml =
         "all: {bytes: [0x1, 1e1], paths: [1.20, no], limit: 7, some: ~, levels: [info, debug], end: 3, text: 1.20}";
     EXPECT_EQ(
-        loaded({"all.tiny=-100", "all.large=18446744073709551615", "all.rate=1e30", "all.third=255", "all.path=a b"},
+        loaded({"all.tiny=-100", "all.large=18446744073709551615", "all.rate=1e30", "all.third=255", "all.path=a b",
+                "all.rates=0.1234567891"},
                yaml),
         "all(flag=True, tiny=-100, large=18446744073709551615, small=5, rate=1e+30, real=0.1, text='1.20', path='a b', "
         "level='info', wait=1.5, pause=20, third=255, "
-        "texts=['a', 'b'], bytes=[1, 10], levels=['info', 'debug'], paths=['1.20', 'no'], rates=[0.1], limit=7, "
+        "texts=['a', 'b'], bytes=[1, 10], levels=['info', 'debug'], paths=['1.20', 'no'], rates=[0.12345679], limit=7, "
         "some=None, end=3, token='t')");
 }
 
@@ -198,14 +214,14 @@ TEST(Schema, TakesDefaultsFromTheConfiguration) {
                             {
                                 app::key(&Part::a, "a", "Doc."),
                                 app::key(&Part::b, "b", "Doc.", {.bounds = POSITIVE}),
-                                app::key(&Part::c, "c", "Doc.", {.bounds = Bound(0.1F, 1)}),
+                                app::key(&Part::c, "c", "Doc.", {.bounds = Bound(0.1F, 0.7F)}),
                             });
     };
     const app::Schema<Two> two{part(&Two::first, "first"), part(&Two::second, "second")};
-    const auto now = two.load({app::text("first: {b: 1e-50, c: 0.3}\nsecond: {a: 7, b: 3.4028235e+38, c: 0.09}", "f")},
+    const auto now = two.load({app::text("first: {b: 1e-50, c: 0.7}\nsecond: {a: 7, b: 3.4028235e+38, c: 0.09}", "f")},
                               {.report = [](const app::Fault&) {}});
     EXPECT_EQ(std::tuple(now->first.a, now->first.b, now->first.c, now->second.a, now->second.b, now->second.c),
-              std::tuple(5, std::numeric_limits<float>::max(), 0.3F, 7, std::numeric_limits<float>::max(), 0.1F));
+              std::tuple(5, std::numeric_limits<float>::max(), 0.7F, 7, std::numeric_limits<float>::max(), 0.1F));
     EXPECT_EQ(now.faults().size(), 2U);
     EXPECT_EQ(app::Schema<Two>(two).declaration().load({})["first.a"], ConfigValue(5));
 }
@@ -224,7 +240,7 @@ TEST(Schema, SetsEveryMember) {
         "all: {flag: no, tiny: -100, large: 18446744073709551615, small: 6, rate: 0.3, real: 2, text: 1.20, path: /p, "
         "level: debug, wait: 2.5, pause: 30, third: 4,\n"
         "      texts: [x], bytes: [3, 200], levels: [info, debug], paths: [p, q], rates: [1.5], limit: 9, some: [7, "
-        "8], end: 10, token: secret}\n"
+        "8], end: 10, key: secret}\n"
         "hosts: {a: 1}";
     const app::Snapshot<Config> now = schema().load({app::text(yaml, "f")});
     const All& all = now->all;
@@ -263,7 +279,8 @@ TEST(Lint, FindsWhatIsWrongWithADeclaration) {
     const RecordType other("Other", {});
     const std::pair<std::vector<FieldDecl>, const char*> cases[] = {
         {{in_section("s", {{"a", int_type, setting(7, "Doc.", {.env = "A", .bounds = Bound(1, 7)})},
-                           {"b-c", int_type, app::optional(setting(nullptr, "Doc.", {.env = "_B1"}))}})},
+                           {"b-c", int_type, app::optional(setting(nullptr, "Doc.", {.env = "_B1"}))},
+                           {"d", str_type, setting("x", "Doc.", {.env = "A_FILE"})}})},
          ""},
         {{in_section("s", {{"a", int_type, setting(0, "Doc.", {.bounds = POSITIVE})}})},
          "s.a: it refuses its own default: Invalid value for s.a: 0. It must be above 0"},
@@ -299,7 +316,7 @@ TEST(Lint, FindsWhatIsWrongWithADeclaration) {
          "name '' can have been none"},
         {{in_section("s", {{"a", int_type, app::with_traits(setting("pw", "Doc."), {.secret = true})}})},
          "s.a: it refuses its own default: Invalid value for s.a, a secret that is not shown. It must be an int"},
-        {{in_section("s", {{"a", str_type, setting("x", "")}, {"b", str_type, setting("x", "Two\nlines.")}}, "")},
+        {{in_section("s", {{"a", str_type, setting("x", "  ")}, {"b", str_type, setting("x", "A\tcontrol.")}}, "")},
          "s: it has no doc\ns.a: it has no doc\ns.b: its doc is no single line"},
         {{in_section("True", {{"a.b", str_type, setting("x", "Doc.")},
                               {"1", str_type, setting("x", "Doc.")},
@@ -323,18 +340,28 @@ TEST(Lint, FindsWhatIsWrongWithADeclaration) {
         std::uint8_t a = 1;
         Level b = static_cast<Level>(9);
         std::vector<std::uint8_t> c = {250};
+        std::vector<std::string> d;
+        std::vector<int> e;
+        std::chrono::seconds f{1};
+        std::vector<Nameless> h;
     };
     struct Wrong {
         Narrow s;
     };
     EXPECT_THAT(
         outcome([] {
-            return app::Schema<Wrong>{app::section(&Wrong::s, "s", "Doc.", {.restart = Restart::none},
-                                                   {
-                                                       app::key(&Narrow::a, "a", "Doc.", {.bounds = Bound(1, 256)}),
-                                                       app::key(&Narrow::b, "b", "Doc."),
-                                                       app::key(&Narrow::c, "c", "Doc.", {.bounds = Bound(-1, 100)}),
-                                                   })}
+            return app::Schema<Wrong>{
+                app::section(&Wrong::s, "s", "Doc.", {.restart = Restart::none},
+                             {
+                                 app::key(&Narrow::a, "a", "Doc.", {.bounds = Bound(1, 256)}),
+                                 app::key(&Narrow::b, "b", "Doc."),
+                                 app::key(&Narrow::c, "c", "Doc.", {.bounds = Bound(-1, 100), .secret = true}),
+                                 app::key(&Narrow::d, "d", "Doc.", {.choices = {"x", "x"}}),
+                                 app::key(&Narrow::e, "e", "Doc.", {.bounds = Bound(2, 1)}),
+                                 app::key(&Narrow::f, "f", ""),
+                                 app::key(&Narrow::a, "g", "Doc."),
+                                 app::key(&Narrow::h, "h", "Doc."),
+                             })}
                 .declaration()
                 .sections()
                 .front()
@@ -345,8 +372,12 @@ TEST(Lint, FindsWhatIsWrongWithADeclaration) {
             "s.a: its bounds go beyond its member's type, which holds what is at least 0 and at most 255\n"
             "s.b: it refuses its own default: Invalid value for s.b: '9'. Must be one of: debug, info\n"
             "s.c: its bounds go beyond its member's type, which holds what is at least 0 and at most 255\n"
-            "s.c: it refuses its own default: Invalid value for s.c item 1: 250. It must be at least -1 and at most "
-            "100"));
+            "s.c: it refuses its own default: Invalid value for s.c, a secret that is not shown. It must be a list of "
+            "ints, at least -1 and at most 100\n"
+            "s.d: its choice 'x' is there twice\n"
+            "s.e: its bounds admit nothing: Bound\\(low=2, high=1, low_open=False\\)\n"
+            "s.f: it has no doc\n"
+            "s.g: its member is that of a as well\ns.h: names_of names no value of its type"));
 }
 
 }  // namespace

@@ -62,15 +62,16 @@ std::vector<Explanation> explain(const Values& values) {
 
 std::string text_of(const Explanation& explanation) {
     std::string text = explanation.label + " = " + explanation.value + "\n";
-    const auto add = [&text](std::string_view what, std::string_view how) {
-        text.append("  ").append(what).append(9 - what.size(), ' ').append(how).append("\n");
+    const auto add = [&text](std::string_view what, const auto&... how) {
+        text.append("  ").append(what).append(9 - what.size(), ' ');
+        (text.append(how), ...);
+        text += "\n";
     };
     text += "  " + explanation.doc + " " + capitalised(explanation.accepted) + ".\n";
     add("from", explanation.place.empty() ? "the default" : explanation.place);
-    for (const auto& [value, place, refusal] : explanation.hidden)
-        add("hides", value + "  " + place);
+    for (const auto& [value, place, refusal] : explanation.hidden) add("hides", value, "  ", place);
     for (const auto& [value, place, refusal] : explanation.refused)
-        add("refused", value + "  " + place + ": " + refusal);
+        add("refused", value, "  ", place, ": ", refusal);
     if (!explanation.place.empty()) add("default", explanation.default_value);
     return text + "  a change takes " + restart_text(explanation.restart) + "\n";
 }

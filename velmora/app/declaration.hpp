@@ -28,7 +28,8 @@ class Declaration;
 
 namespace detail {
 struct BoundSection;
-Declaration declare(std::vector<BoundSection> sections, std::shared_ptr<void> (*make)());
+VELMORA_EXPORT Declaration declare(std::vector<BoundSection> sections,
+                                   std::shared_ptr<void> (*make)());
 using Bind = std::function<std::shared_ptr<const void>(const Values::Data&)>;
 }  // namespace detail
 

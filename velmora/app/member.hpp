@@ -207,7 +207,7 @@ struct MemberOperations {
 };
 
 template <class T>
-struct OperationsOn {
+struct VELMORA_EXPORT OperationsOn {
     static config::ConfigValue read(const void* member) {
         return value_of(*static_cast<const T*>(member));
     }

@@ -199,6 +199,14 @@ TEST(Schema, AcceptsWhatMembersHoldAndNothingElse) {
         "some=None, end=3, token='t')");
 }
 
+TEST(Schema, SplitsTextsOfAFileIntoItems) {
+    const auto now =
+        schema().load({app::text("all: {token: t, levels: 'debug, info', paths: 'a, b', bytes: '1, 2'}", "f")});
+    EXPECT_EQ(now->all.levels, (std::vector{Level::debug, Level::info}));
+    EXPECT_EQ(now->all.paths, (std::vector<std::filesystem::path>{"a", "b"}));
+    EXPECT_EQ(now->all.bytes, (std::vector<std::uint8_t>{1, 2}));
+}
+
 TEST(Schema, TakesDefaultsFromTheConfiguration) {
     struct Part {
         int a = 1;

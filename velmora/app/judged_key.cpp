@@ -18,15 +18,16 @@ using config::ConfigValue;
 using config::KeyKind;
 using config::List;
 
-// The items of a list as they are written.
-std::vector<ConfigValue> spelt(const List& list, const yaml::LocatedValue* document) {
-    std::vector<ConfigValue> items(list.begin(), list.end());
-    if (document == nullptr) return items;
-    for (std::size_t i = 0; i < items.size(); ++i) {
+// The list as its items are written: itself where no spelling differs.
+List spelt(const List& list, const yaml::LocatedValue* document) {
+    List written = list;
+    for (std::size_t i = 0; document != nullptr && i < list.size(); ++i) {
         const std::string_view spelling = document->spelling(list, i);
-        if (!spelling.empty()) items[i] = spelling;
+        if (spelling.empty()) continue;
+        if (written.same_as(list)) written = list.copy();
+        written.set(i, spelling);
     }
-    return items;
+    return written;
 }
 
 constexpr std::string_view hidden = "(secret)";
@@ -113,20 +114,24 @@ std::string JudgedKey::shown_in_full(const ConfigValue& value) const {
 
 ConfigValue JudgedKey::judge_openly(const GivenRaw& raw) const {
     if (raw.value.is_null() && traits_.optional) return {};
-    const bool is_list = key_->kind() == KeyKind::list;
+    if (key_->kind() == KeyKind::list) return judge_list(raw);
     if (key_->kind() == KeyKind::str && !raw.spelling.empty()) return key_->coerce(raw.spelling);
-    const auto* list = is_list ? raw.value.get_if<List>() : nullptr;
-    if (item_)
-        return judge_items(list != nullptr ? *list : key_->coerce(raw.value).get<List>(),
-                           raw.document);
-    if (!is_list) return coerced(*key_, traits_.single, raw.value);
-    return key_->coerce(list != nullptr ? List(spelt(*list, raw.document)) : raw.value);
+    return coerced(*key_, traits_.single, raw.value);
 }
 
-ConfigValue JudgedKey::judge_items(const List& items, const yaml::LocatedValue* document) const {
-    const bool texts = item_->kind() == KeyKind::str;
-    std::vector<ConfigValue> judged =
-        texts ? spelt(items, document) : std::vector<ConfigValue>(items.begin(), items.end());
+ConfigValue JudgedKey::judge_list(const GivenRaw& raw) const {
+    const auto* given = raw.value.get_if<List>();
+    if (given == nullptr) {
+        ConfigValue split = key_->coerce(raw.value);
+        return item_ ? judge_items(split.get<List>()) : split;
+    }
+    const bool texts = !item_ || item_->kind() == KeyKind::str;
+    const List list = texts ? spelt(*given, raw.document) : *given;
+    return item_ ? judge_items(list) : key_->coerce(list);
+}
+
+ConfigValue JudgedKey::judge_items(const List& items) const {
+    std::vector<ConfigValue> judged(items.begin(), items.end());
     for (std::size_t i = 0; i < judged.size(); ++i) {
         try {
             judged[i] = coerced(*item_, traits_.items->single, judged[i]);

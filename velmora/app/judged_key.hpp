@@ -42,6 +42,8 @@ public:
     const KeyTraits& traits() const noexcept { return traits_; }
     const config::ConfigValue& default_value() const noexcept { return default_value_; }
     const std::string& label() const noexcept { return label_; }
+    /// The label that the key had by a name that it had.
+    std::string old_label(const std::string& name) const { return key_->section() + "." + name; }
 
     /// The value that the key takes for what a source gives. Throws ConfigKeyError, RefusedItem for
     /// an item of a list. The message about a secret key does not show the value, and has no cause
@@ -66,8 +68,8 @@ private:
         return traits_.secret && !value.is_null();
     }
     config::ConfigValue judge_openly(const GivenRaw& raw) const;
-    config::ConfigValue judge_items(const config::List& items,
-                                    const yaml::LocatedValue* document) const;
+    config::ConfigValue judge_list(const GivenRaw& raw) const;
+    config::ConfigValue judge_items(const config::List& items) const;
     config::Key item_key(const std::string& name) const;
 
     const config::Key* key_;

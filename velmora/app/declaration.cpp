@@ -44,7 +44,7 @@ Declaration::Data::Data(const config::RecordType& config_type)
     for (std::size_t i = 0; i < keys_.size(); ++i) {
         keys_by_label_.emplace(keys_[i].label(), i);
         for (const std::string& name : keys_[i].traits().formerly)
-            keys_by_old_label_.emplace(old_label(i, name), i);
+            keys_by_old_label_.emplace(keys_[i].old_label(name), i);
         has_secrets_ = has_secrets_ || keys_[i].traits().secret;
     }
 }
@@ -79,24 +79,30 @@ bool Declaration::Data::is_key(std::size_t section, const std::string& name) con
 
 std::size_t Declaration::Data::section_at(std::string_view name) const {
     const std::size_t found = find_section(name);
-    if (found != none) return found;
-    throw config::ConfigKeyError("there is no section " + utils::shown_text(name) +
-                                 hint_for_section(name));
+    if (found == none) throw config::ConfigKeyError(no_section_text(name));
+    return found;
 }
 
 std::size_t Declaration::Data::key_at(std::string_view label) const {
     const std::size_t found = find_key(label);
-    if (found != none) return found;
+    if (found == none) throw config::ConfigKeyError(no_key_text(label));
+    return found;
+}
+
+std::string Declaration::Data::no_section_text(std::string_view name) const {
+    return "there is no section " + utils::shown_text(name) + hint_for_section(name);
+}
+
+std::string Declaration::Data::no_key_text(std::string_view label) const {
     const std::string_view name = label.substr(0, label.find('.'));
-    const std::size_t section = section_at(name);
-    if (is_raw(section))
-        throw config::ConfigKeyError("the section " + std::string(name) + " is read as a whole");
+    const std::size_t section = find_section(name);
+    if (section == none) return no_section_text(name);
+    if (is_raw(section)) return "the section " + std::string(name) + " is read as a whole";
     std::vector<std::string_view> labels;
-    const auto first = keys_.begin() + static_cast<std::ptrdiff_t>(first_keys_[section]);
+    const std::size_t first = first_keys_[section];
     for (std::size_t i = 0; i < sections_[section].keys().size(); ++i)
-        labels.push_back(first[static_cast<std::ptrdiff_t>(i)].label());
-    throw config::ConfigKeyError("there is no key " + utils::shown_text(label) +
-                                 utils::did_you_mean(label, labels));
+        labels.push_back(keys_[first + i].label());
+    return "there is no key " + utils::shown_text(label) + utils::did_you_mean(label, labels);
 }
 
 std::string Declaration::Data::hint_for_section(std::string_view name) const {

@@ -37,10 +37,6 @@ public:
     std::size_t find_key(std::string_view label) const;
     /// The same of the key that had this label before.
     std::size_t find_old_key(const std::string& label) const;
-    /// The label that a key had by a name that it had.
-    std::string old_label(std::size_t key, const std::string& name) const {
-        return keys_[key].key().section() + "." + name;
-    }
     /// Whether a section has a key that has this name, or had it.
     bool is_key(std::size_t section, const std::string& name) const;
 
@@ -48,11 +44,16 @@ public:
     std::size_t section_at(std::string_view name) const;
     std::size_t key_at(std::string_view label) const;
 
+    /// Says that there is no key with this label, and which is the nearest one.
+    std::string no_key_text(std::string_view label) const;
+
     /// "; did you mean 'port'?" for what is no section, or no key of the section at `section`.
     std::string hint_for_section(std::string_view name) const;
     std::string hint_for_key(std::size_t section, std::string_view name) const;
 
 private:
+    std::string no_section_text(std::string_view name) const;
+
     std::vector<config::Section> sections_;
     std::vector<JudgedKey> keys_;
     std::vector<std::size_t> first_keys_;

@@ -66,12 +66,6 @@ std::string Intake::named(const Document& in) const {
     return alone_ ? "the config file" : utils::one_line(*in.name);
 }
 
-void Intake::place(Fault& fault, const Document& in, yaml::Span span, Shown shown) const {
-    if (in.places == nullptr) return;
-    const bool secrets = declaration().has_secrets();
-    place_at(span, *in.places, secrets && shown == Shown::line ? Shown::part : shown, fault);
-}
-
 void Intake::take_document(const ConfigValue& root, const std::string& name,
                            std::shared_ptr<const yaml::LocatedValue> document) {
     if (root.is_null()) return;
@@ -81,8 +75,8 @@ void Intake::take_document(const ConfigValue& root, const std::string& name,
         Fault& fault = add_fault(FaultKind::unusable_source, "", name,
                                  ignoring() + named(in) + ": it is " +
                                      std::string(root.type_text()) + ", not a mapping of sections");
-        place(fault, in, in.places != nullptr ? in.places->root() : yaml::Span(),
-              declaration().has_secrets() ? Shown::nothing : Shown::line);
+        place(fault, in.places.get(), in.places != nullptr ? in.places->root() : yaml::Span(),
+              declaration().has_secrets());
         return;
     }
     std::vector<Unknown> unknown;
@@ -117,8 +111,8 @@ void Intake::take_section(const Document& in, std::size_t section, const Mapping
         Fault& fault = add_fault(
             FaultKind::section_no_mapping, name, *in.name,
             ignoring() + "the " + name + " section of " + named(in) + ": it is not a mapping");
-        place(fault, in, in.value_span(top, entry),
-              declaration().has_secrets(section) ? Shown::nothing : Shown::line);
+        place(fault, in.places.get(), in.value_span(top, entry),
+              declaration().has_secrets(section));
         return;
     }
     const std::size_t first = declaration().first_key(section);
@@ -134,14 +128,15 @@ void Intake::take_section(const Document& in, std::size_t section, const Mapping
             ++known;
             take_value(in, first + i, *mapping, *found);
         }
-        for (const std::string& old : declaration().keys()[first + i].traits().formerly) {
+        const JudgedKey& judged = declaration().keys()[first + i];
+        for (const std::string& old : judged.traits().formerly) {
             const Mapping::Entry* old_entry = mapping->find_entry(old);
             if (old_entry == nullptr) continue;
             ++known;
             const bool given = found != nullptr;
-            const std::string label = declaration().old_label(first + i, old);
-            Fault& fault = add_old_name(first + i, label, *in.name, named(in), given);
-            place(fault, in, in.key_span(*mapping, *old_entry), Shown::line);
+            Fault& fault =
+                add_old_name(first + i, judged.old_label(old), *in.name, named(in), given);
+            place(fault, in.places.get(), in.key_span(*mapping, *old_entry));
             if (given) continue;
             found = old_entry;
             take_value(in, first + i, *mapping, *old_entry);
@@ -186,7 +181,7 @@ void Intake::take_value(const Document& in, std::size_t key, const Mapping& sect
     Fault& fault =
         add_fault(FaultKind::refused_value, judged.label(), *in.name,
                   ignoring() + judged.label() + " in " + named(in) + ": " + given.refusal);
-    place(fault, in, span, judged.traits().secret ? Shown::nothing : Shown::line);
+    place(fault, in.places.get(), span, judged.traits().secret);
     refused_.emplace_back(values_.faults.size() - 1, key);
 }
 
@@ -202,7 +197,7 @@ void Intake::add_unknown(const Document& in, const Unknown& unknown) {
     if (name == merge_key) why = "merge keys are not followed; write out what it would merge";
     Fault& fault = add_fault(FaultKind::unknown_name, label, *in.name,
                              ignoring() + label + " in " + named(in) + ": " + why);
-    place(fault, in, unknown.span, Shown::line);
+    place(fault, in.places.get(), unknown.span);
 }
 
 void Intake::take_yaml(const std::string& text, const std::string& name) {
@@ -214,7 +209,7 @@ void Intake::take_yaml(const std::string& text, const std::string& name) {
         fault.line = error.line();
         fault.column = error.column();
         const std::string_view line = line_of(text, fault.line);
-        if (fault.line != 0 && !declaration().has_secrets())
+        if (!declaration().has_secrets())
             fault.excerpt.emplace(line, utils::prefix_size(line, fault.column - 1), 0);
         return;
     }

@@ -45,13 +45,16 @@ public:
 
     void give(Intake& intake) const override {
         const auto& keys = intake.declaration().keys();
-        std::unordered_map<std::string, std::size_t> users;
-        for (const JudgedKey& key : keys) {
-            for (const std::string& name : names_of(key)) ++users[name];
+        std::vector<std::vector<std::string>> all_names;
+        std::unordered_map<std::string_view, std::size_t> users;
+        all_names.reserve(keys.size());
+        for (const JudgedKey& key : keys) all_names.push_back(names_of(key));
+        for (const auto& names : all_names) {
+            for (const std::string& name : names) ++users[name];
         }
         for (std::size_t i = 0; i < keys.size(); ++i) {
             bool given = false;
-            const std::vector<std::string> names = names_of(keys[i]);
+            const std::vector<std::string>& names = all_names[i];
             for (const std::string& name : names) {
                 if (users[name] > 1) add_ambiguous(intake, keys[i], name);
                 const std::string* const text = find(name);
@@ -76,7 +79,7 @@ private:
         if (prefix_.empty()) return {};
         std::vector<std::string> names = {prefix_ + as_variable(key.label())};
         for (const std::string& old : key.traits().formerly)
-            names.push_back(prefix_ + as_variable(key.key().section() + "." + old));
+            names.push_back(prefix_ + as_variable(key.old_label(old)));
         return names;
     }
 

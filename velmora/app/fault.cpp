@@ -25,10 +25,8 @@ std::size_t characters_in(std::string_view text) {
 // The last characters of `text`, `most` of them at most.
 std::string_view last_characters(std::string_view text, std::size_t most) {
     constexpr std::size_t most_bytes_each = 4;
-    if (text.size() > most * most_bytes_each) {
+    if (text.size() > most * most_bytes_each)
         text.remove_prefix(text.size() - most * most_bytes_each);
-        while (utils::is_stray_byte(utils::first_character(text).code)) text.remove_prefix(1);
-    }
     const std::size_t count = characters_in(text);
     if (count > most) text.remove_prefix(utils::prefix_size(text, count - most));
     return text;

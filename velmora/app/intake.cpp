@@ -12,20 +12,12 @@ namespace velmora::app {
 
 using config::ConfigValue;
 
-namespace {
-
-bool is_accepted(const GivenValue& given) {
-    return given.accepted();
-}
-
-}  // namespace
-
 Intake::Intake(std::shared_ptr<const Declaration::Data> declaration, bool alone)
-    : values_{.declaration = std::move(declaration), .given = {}, .raws = {}},
-      alone_(alone),
-      secrets_(values_.declaration->has_secrets()) {
-    values_.given.resize(values_.declaration->keys().size());
-    values_.raws.resize(values_.declaration->sections().size());
+    : declaration_(std::move(declaration)),
+      values_{.declaration = declaration_, .given = {}, .raws = {}},
+      alone_(alone) {
+    values_.given.resize(declaration_->keys().size());
+    values_.raws.resize(declaration_->sections().size());
     places_.resize(values_.given.size());
 }
 
@@ -64,7 +56,6 @@ Fault& Intake::add_old_name(std::size_t key, const std::string& old, const std::
 std::optional<std::string> Intake::read_text(const std::string& label, const std::string& path) {
     try {
         std::string text = utils::read_file(path);
-        add_file(path);
         for (const std::string_view end : {"\r\n", "\n"}) {
             if (!text.ends_with(end)) continue;
             text.resize(text.size() - end.size());
@@ -108,7 +99,14 @@ void Intake::place_at_held(std::size_t key, Fault& fault) const {
     const auto& [document, span] = places_[key];
     if (document == nullptr) return;
     fault.source = document->name();
-    place_at(span, *document, secrets_ ? Shown::nothing : Shown::line, fault);
+    place(fault, document.get(), span, declaration().keys()[key].traits().secret);
+}
+
+void Intake::place(Fault& fault, const yaml::LocatedValue* document, yaml::Span span,
+                   bool secret) const {
+    if (document == nullptr) return;
+    const Shown rest = declaration().has_secrets() ? Shown::part : Shown::line;
+    place_at(span, *document, secret ? Shown::nothing : rest, fault);
 }
 
 std::string Intake::shown(std::size_t key, const ConfigValue& value) const {
@@ -118,9 +116,7 @@ std::string Intake::shown(std::size_t key, const ConfigValue& value) const {
 
 std::string Intake::keeping(std::size_t key) const {
     const JudgedKey& judged = declaration().keys()[key];
-    const auto& given = values_.given[key];
-    const auto held = std::find_if(given.begin(), given.end(), is_accepted);
-    if (held != given.end())
+    if (const GivenValue* held = held_of(values_.given[key]))
         return "; keeping " + shown(key, held->value) + " from " + utils::one_line(held->place());
     if (judged.traits().required) return "";
     return "; keeping the default " + shown(key, judged.default_value());
@@ -131,8 +127,7 @@ Values::Data Intake::finish() {
     for (std::size_t i = 0; i < keys.size(); ++i) {
         auto& given = values_.given[i];
         std::reverse(given.begin(), given.end());
-        const auto held = std::find_if(given.begin(), given.end(), is_accepted);
-        if (held != given.end()) {
+        if (const GivenValue* held = held_of(given)) {
             values_.held.push_back(&held->value);
             continue;
         }

@@ -27,7 +27,7 @@ public:
     /// `alone` when the one layer is a document.
     Intake(std::shared_ptr<const Declaration::Data> declaration, bool alone);
 
-    const Declaration::Data& declaration() const noexcept { return *values_.declaration; }
+    const Declaration::Data& declaration() const noexcept { return *declaration_; }
 
     /// What is given from now on comes from a layer that goes over those before.
     void begin_layer(OnFault on_fault) noexcept { on_fault_ = on_fault; }
@@ -59,8 +59,6 @@ public:
     bool may_hint() noexcept { return hints_++ < most_hints; }
     /// "Ignoring ", or "Refusing " when the layer does.
     std::string ignoring() const;
-    /// A file that was there to be read.
-    void add_file(const std::string& path) { values_.files.push_back(path); }
 
     /// A fault of the layer, an error when the layer refuses.
     Fault& add_fault(FaultKind kind, std::string key, std::string source, std::string message);
@@ -82,12 +80,14 @@ private:
     void take_value(const Document& in, std::size_t key, const config::Mapping& section,
                     const config::Mapping::Entry& entry);
     void add_unknown(const Document& in, const Unknown& unknown);
-    void place(Fault& fault, const Document& in, yaml::Span span, Shown shown) const;
+    void place(Fault& fault, const yaml::LocatedValue* document, yaml::Span span,
+               bool secret = false) const;
     std::string named(const Document& in) const;
     std::string shown(std::size_t key, const config::ConfigValue& value) const;
     std::string keeping(std::size_t key) const;
     void add_missing(const JudgedKey& key);
 
+    std::shared_ptr<const Declaration::Data> declaration_;
     Values::Data values_;
     /// The keys whose values were refused, by the positions of their faults.
     std::vector<std::pair<std::size_t, std::size_t>> refused_;
@@ -96,7 +96,6 @@ private:
     bool alone_;
     static constexpr std::size_t most_hints = 20;
     std::size_t hints_ = 0;
-    bool secrets_;
     OnFault on_fault_ = OnFault::warn;
 };
 

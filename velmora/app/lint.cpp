@@ -101,7 +101,7 @@ private:
 
     void look_at_old_names(const JudgedKey& key) {
         for (const std::string& old : key.traits().formerly) {
-            const std::string label = key.key().section() + "." + old;
+            const std::string label = key.old_label(old);
             if (!is_name(old))
                 add("its old name " + utils::shown_text(old) + " can have been none");
             if (declaration_.find_key(label) != Declaration::Data::none)
@@ -147,8 +147,7 @@ private:
 
     void look_at_default(const JudgedKey& key) {
         const config::ConfigValue& value = key.default_value();
-        const bool may_be_null = key.traits().optional || key.traits().required;
-        if (value.is_null() && may_be_null) return;
+        if (value.is_null() && key.traits().required) return;
         try {
             const config::ConfigValue judged = key.judge({value});
             if (judged != value)

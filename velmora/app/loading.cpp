@@ -63,11 +63,9 @@ void Loading::make_checks(const Values& now, const Intake& intake,
 
 std::string Loading::origin_of(const Values::Data& data, std::size_t key) const {
     const JudgedKey& judged = declaration_.data_->keys()[key];
-    const auto& given = data.given[key];
-    const auto held = std::find_if(given.begin(), given.end(),
-                                   [](const GivenValue& each) { return each.accepted(); });
+    const GivenValue* held = held_of(data.given[key]);
     return judged.label() + " is " + judged.shown(*data.held[key]) +
-           (held != given.end() ? " from " + utils::one_line(held->place()) : " by default");
+           (held != nullptr ? " from " + utils::one_line(held->place()) : " by default");
 }
 
 }  // namespace velmora::app

@@ -33,8 +33,7 @@ public:
         for (std::size_t i = 0; i < keys.size(); ++i) {
             bool given = take(intake, i, keys[i].label(), true, false);
             for (const std::string& old : keys[i].traits().formerly)
-                given =
-                    take(intake, i, intake.declaration().old_label(i, old), false, given) || given;
+                given = take(intake, i, keys[i].old_label(old), false, given) || given;
         }
     }
 
@@ -63,38 +62,40 @@ public:
 
     void give(Intake& intake) const override {
         std::vector<Pair> known;
-        std::vector<Pair> unknown;
+        std::vector<const std::string*> unknown;
         for (const std::string& pair : pairs_) {
             const std::size_t sign = pair.find('=');
-            const bool whole = sign != std::string::npos;
-            Pair parts{pair.substr(0, sign), whole ? pair.substr(sign + 1) : ""};
-            parts.key = intake.declaration().find_key(parts.label);
-            parts.old = parts.key == Declaration::Data::none;
-            if (parts.old) parts.key = intake.declaration().find_old_key(parts.label);
-            const bool is_known = whole && parts.key != Declaration::Data::none;
-            parts.whole = whole;
-            (is_known ? known : unknown).push_back(std::move(parts));
+            const std::string label = pair.substr(0, sign);
+            const std::size_t key = intake.declaration().find_key(label);
+            const bool old = key == Declaration::Data::none;
+            const std::size_t found = old ? intake.declaration().find_old_key(label) : key;
+            if (sign == std::string::npos || found == Declaration::Data::none) {
+                unknown.push_back(&pair);
+            } else {
+                known.push_back({found, old, label, pair.substr(sign + 1)});
+            }
         }
-        std::stable_sort(known.begin(), known.end(),
-                         [](const Pair& a, const Pair& b) { return a.key < b.key; });
-        for (auto each = known.begin(); each != known.end(); ++each) take(intake, known, *each);
-        for (const Pair& each : unknown) add_unknown(intake, each);
+        // By old names last, which do not count beside the one of today.
+        std::stable_sort(known.begin(), known.end(), [](const Pair& a, const Pair& b) {
+            return std::pair(a.key, a.old) < std::pair(b.key, b.old);
+        });
+        std::size_t given = Declaration::Data::none;
+        for (const Pair& pair : known) {
+            if (!pair.old) given = pair.key;
+            take(intake, pair, pair.old && given == pair.key);
+        }
+        for (const std::string* pair : unknown) add_unknown(intake, *pair);
     }
 
 private:
     struct Pair {
+        std::size_t key;
+        bool old;  // Whether the label is one that the key had before.
         std::string label;
         std::string text;
-        std::size_t key = Declaration::Data::none;
-        bool old = false;    // Whether the label is one that the key had before.
-        bool whole = false;  // Whether there is a "=".
     };
 
-    void take(Intake& intake, const std::vector<Pair>& known, const Pair& pair) const {
-        const bool given =
-            pair.old && std::any_of(known.begin(), known.end(), [&](const Pair& each) {
-                return each.key == pair.key && !each.old;
-            });
+    void take(Intake& intake, const Pair& pair, bool given) const {
         if (pair.old) intake.add_old_name(pair.key, pair.label, *name_, *name_, given);
         if (given) return;
         if (intake.declaration().keys()[pair.key].traits().secret) {
@@ -106,18 +107,15 @@ private:
         }
     }
 
-    void add_unknown(Intake& intake, const Pair& pair) const {
+    void add_unknown(Intake& intake, const std::string& pair) const {
+        const std::size_t sign = pair.find('=');
+        const std::string label = pair.substr(0, sign);
         std::string why = "write it as SECTION.KEY=VALUE";
-        if (pair.whole) why = "there is no such key";
-        if (pair.whole && intake.may_hint()) {
-            try {
-                intake.declaration().key_at(pair.label);
-            } catch (const config::ConfigKeyError& error) {
-                why = error.message();
-            }
-        }
-        intake.add_fault(FaultKind::unknown_name, pair.label, *name_,
-                         intake.ignoring() + utils::shown_text(pair.label) + " from " +
+        if (sign != std::string::npos)
+            why = intake.may_hint() ? intake.declaration().no_key_text(label)
+                                    : "there is no such key";
+        intake.add_fault(FaultKind::unknown_name, label, *name_,
+                         intake.ignoring() + utils::shown_text(label) + " from " +
                              utils::one_line(*name_) + ": " + why);
     }
 

@@ -21,11 +21,14 @@ const std::vector<GivenValue>& Values::given(std::string_view label) const& {
     return data_->given[data_->declaration->key_at(label)];
 }
 
+const GivenValue* held_of(const std::vector<GivenValue>& given) {
+    const auto held = std::find_if(given.begin(), given.end(),
+                                   [](const GivenValue& each) { return each.accepted(); });
+    return held != given.end() ? &*held : nullptr;
+}
+
 const GivenValue* Values::held(std::string_view label) const& {
-    const std::vector<GivenValue>& all = given(label);
-    const auto found = std::find_if(all.begin(), all.end(),
-                                    [](const GivenValue& each) { return each.accepted(); });
-    return found != all.end() ? &*found : nullptr;
+    return held_of(given(label));
 }
 
 config::Record Values::record(std::string_view section) const {

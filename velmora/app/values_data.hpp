@@ -23,10 +23,11 @@ struct Values::Data {
     /// By section.
     std::vector<Raw> raws;
     std::vector<Fault> faults = {};
-    /// The files that were there to be read.
-    std::vector<std::string> files = {};
     /// What a schema has made of the values.
     std::shared_ptr<const void> bound = nullptr;
 };
+
+/// The one that holds of what is given a key, the strongest first; null for the default.
+const GivenValue* held_of(const std::vector<GivenValue>& given);
 
 }  // namespace velmora::app

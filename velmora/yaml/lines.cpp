@@ -57,7 +57,7 @@ std::string_view Lines::line_at(std::size_t offset) const {
                          [](std::uint32_t lines, const Mark& each) { return lines < each.lines; });
     const auto last = static_cast<std::size_t>(behind - marks_.begin() - 1) * block;
     const std::size_t end = text_.find('\n', std::max(offset, last));
-    return text_.substr(mark.line_start, std::min(end, text_.size()) - mark.line_start);
+    return text_.substr(mark.line_start, end - mark.line_start);
 }
 
 }  // namespace velmora::yaml

@@ -142,7 +142,7 @@ Declaration Declaration::check(std::vector<std::string> labels, Check rule) cons
 }
 
 Values Declaration::load(const std::vector<Layer>& layers, const LoadOptions& options) const {
-    return Loading(*this).load(layers, options);
+    return Loading(*this, layers, options).load();
 }
 
 }  // namespace velmora::app

@@ -21,6 +21,11 @@ Explanation explain_key(const Values::Data& data, std::size_t position) {
                     .place = {},
                     .default_value = key.shown(key.default_value()),
                     .restart = key.key().restart()};
+    if (data.pending != nullptr && *data.pending->held[position] != *data.held[position]) {
+        const GivenValue* const held = held_of(data.pending->given[position]);
+        all.pending = {key.shown(*data.pending->held[position]),
+                       held != nullptr ? utils::one_line(held->place()) : ""};
+    }
     for (const GivenValue& given : data.given[position]) {
         const std::string place = utils::one_line(given.place());
         if (!given.accepted()) {
@@ -68,7 +73,12 @@ std::string text_of(const Explanation& explanation) {
         text += "\n";
     };
     text += "  " + explanation.doc + " " + capitalised(explanation.accepted) + ".\n";
-    add("from", explanation.place.empty() ? "the default" : explanation.place);
+    const auto place_text = [](const std::string& place) {
+        return place.empty() ? "the default" : place;
+    };
+    add("from", place_text(explanation.place));
+    if (const auto& pending = explanation.pending)
+        add("pending", pending->value, "  ", place_text(pending->place));
     for (const auto& [value, place, refusal] : explanation.hidden) add("hides", value, "  ", place);
     for (const auto& [value, place, refusal] : explanation.refused)
         add("refused", value, "  ", place, ": ", refusal);
@@ -76,21 +86,20 @@ std::string text_of(const Explanation& explanation) {
     return text + "  a change takes " + restart_text(explanation.restart) + "\n";
 }
 
-Plan plan(const Values& before, const Values& after) {
-    const Values::Data& old = Values::Data::of(before);
-    const Values::Data& now = Values::Data::of(after);
-    if (old.declaration != now.declaration)
-        throw ValueError("a plan is between two loads of one declaration");
+void Plan::add(Change change) {
+    restart = std::max(restart, change.restart);
+    changes.push_back(std::move(change));
+}
+
+namespace {
+
+Plan plan_between(const Values::Data& old, const Values::Data& now) {
     Plan plan;
-    const auto add = [&plan](Change change) {
-        plan.restart = std::max(plan.restart, change.restart);
-        plan.changes.push_back(std::move(change));
-    };
     const auto& keys = now.declaration->keys();
     for (std::size_t i = 0; i < keys.size(); ++i) {
         if (*old.held[i] == *now.held[i]) continue;
-        add({keys[i].label(), keys[i].shown(*old.held[i]), keys[i].shown(*now.held[i]),
-             keys[i].key().restart()});
+        plan.add({keys[i].label(), keys[i].shown(*old.held[i]), keys[i].shown(*now.held[i]),
+                  keys[i].key().restart()});
     }
     const bool secrets = now.declaration->has_secrets();
     const auto shown = [secrets](const Raw& raw) {
@@ -99,9 +108,25 @@ Plan plan(const Values& before, const Values& after) {
     for (std::size_t i = 0; i < now.raws.size(); ++i) {
         if (old.raws[i].value() == now.raws[i].value()) continue;
         const config::Section& section = now.declaration->sections()[i];
-        add({section.name(), shown(old.raws[i]), shown(now.raws[i]), section.setting().restart()});
+        plan.add(
+            {section.name(), shown(old.raws[i]), shown(now.raws[i]), section.setting().restart()});
     }
     return plan;
+}
+
+}  // namespace
+
+Plan plan(const Values& before, const Values& after) {
+    const Values::Data& old = Values::Data::of(before);
+    const Values::Data& now = Values::Data::of(after);
+    if (old.declaration != now.declaration)
+        throw ValueError("a plan is between two loads of one declaration");
+    return plan_between(old, now);
+}
+
+Plan pending(const Values& now) {
+    const Values::Data& data = Values::Data::of(now);
+    return data.pending != nullptr ? plan_between(data, *data.pending) : Plan();
 }
 
 std::string text_of(const Plan& plan) {

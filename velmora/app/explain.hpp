@@ -13,6 +13,7 @@
 // at all.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -23,7 +24,7 @@
 
 namespace velmora::app {
 
-/// A value that is not in effect, and where it stands.
+/// A value that is not in effect, and where it stands, which for a default is nowhere.
 struct OtherValue {
     std::string value;
     std::string place;
@@ -39,6 +40,8 @@ struct Explanation {
     std::string accepted;
     /// Where the value in effect stands; empty for the default.
     std::string place;
+    /// What a reload has found and a restart puts into effect.
+    std::optional<OtherValue> pending = std::nullopt;
     /// The strongest first.
     std::vector<OtherValue> hidden = {};
     std::vector<OtherValue> refused = {};
@@ -67,11 +70,16 @@ struct Plan {
     std::vector<Change> changes = {};
     /// The most that any of them takes.
     config::Restart restart = config::Restart::none;
+
+    VELMORA_EXPORT void add(Change change);
 };
 
 /// What it takes to go from one load to another. Both must be of one declaration; throws ValueError
 /// when they are not.
 VELMORA_EXPORT Plan plan(const Values& before, const Values& after);
+
+/// What waits for a restart since the last reload.
+VELMORA_EXPORT Plan pending(const Values& now);
 
 /// A line for each change; "Nothing changes." for none.
 VELMORA_EXPORT std::string text_of(const Plan& plan);

@@ -54,6 +54,7 @@ Fault& Intake::add_old_name(std::size_t key, const std::string& old, const std::
 }
 
 std::optional<std::string> Intake::read_text(const std::string& label, const std::string& path) {
+    add_file(path);
     try {
         std::string text = utils::read_file(path);
         for (const std::string_view end : {"\r\n", "\n"}) {
@@ -127,16 +128,9 @@ Values::Data Intake::finish() {
     for (std::size_t i = 0; i < keys.size(); ++i) {
         auto& given = values_.given[i];
         std::reverse(given.begin(), given.end());
-        if (const GivenValue* held = held_of(given)) {
-            values_.held.push_back(&held->value);
-            continue;
-        }
-        if (keys[i].traits().required) add_missing(keys[i]);
-        // A list of its own, so that nobody who changes it changes the declaration's.
-        const auto* list = keys[i].default_value().get_if<config::List>();
-        values_.held.push_back(list != nullptr ? &values_.lists.emplace_back(list->copy())
-                                               : &keys[i].default_value());
+        if (keys[i].traits().required && held_of(given) == nullptr) add_missing(keys[i]);
     }
+    values_.hold();
     for (const auto& [fault, key] : refused_) {
         if (values_.faults[fault].severity == Severity::warning)
             values_.faults[fault].message += keeping(key);

@@ -32,6 +32,8 @@ public:
     /// What is given from now on comes from a layer that goes over those before.
     void begin_layer(OnFault on_fault) noexcept { on_fault_ = on_fault; }
 
+    /// Says that a file is there.
+    void add_file(const std::string& path) { values_.files.push_back(path); }
     /// A mapping of sections. `document` is null when it stands in none.
     void take_document(const config::ConfigValue& root, const std::string& name,
                        std::shared_ptr<const yaml::LocatedValue> document);
@@ -70,6 +72,8 @@ public:
 
     /// Says that a fault is where the value stands that holds for the key at a position.
     void place_at_held(std::size_t key, Fault& fault) const;
+    /// Has another value hold for the key, which stands elsewhere.
+    void forget_place(std::size_t key) { places_[key] = {}; }
 
 private:
     struct Document;

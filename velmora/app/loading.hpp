@@ -1,24 +1,40 @@
 // One load of a declaration. Private.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "velmora/app/declaration.hpp"
 #include "velmora/app/intake.hpp"
+#include "velmora/app/reload.hpp"
 
 namespace velmora::app {
 
+/// Takes in layers once. What it is made from must outlive it.
 class Loading {
 public:
-    explicit Loading(const Declaration& declaration) : declaration_(declaration) {}
+    Loading(const Declaration& declaration, const std::vector<Layer>& layers,
+            const LoadOptions& options);
 
-    Values load(const std::vector<Layer>& layers, const LoadOptions& options) const;
+    /// The values of a start.
+    Values load();
+
+    /// The values that are in effect after a reload in place of `now`. Throws LoadError where they
+    /// must not be.
+    Values reload(const Values& now, const ReloadOptions& how);
 
 private:
-    void make_checks(const Values& now, const Intake& intake, std::vector<Fault>& faults) const;
+    Values::Data take_layers(bool strict);
+    /// Makes values of what was taken in, checks and reports them; any fault is an error when `strict`.
+    Values finish(Values::Data data, bool strict);
+    void make_checks(const Values& now, std::vector<Fault>& faults) const;
     std::string origin_of(const Values::Data& data, std::size_t key) const;
 
     const Declaration& declaration_;
+    const std::vector<Layer>& layers_;
+    const LoadOptions& options_;
+    bool alone_;
+    Intake intake_;
 };
 
 }  // namespace velmora::app

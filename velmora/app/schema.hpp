@@ -98,6 +98,8 @@ SectionRow<Config> raw(Raw Config::*member, std::string_view name, detail::Line 
 
 template <class Config>
 class Schema;
+template <class Config>
+class Live;
 
 /// A configuration as it was when it was loaded. Immutable; copies share it.
 template <class Config>
@@ -114,9 +116,11 @@ public:
 
 private:
     friend class Schema<Config>;
+    friend class Live<Config>;
 
-    explicit Snapshot(Values values)
-        : values_(std::move(values)), config_(static_cast<const Config*>(detail::bound(values_))) {}
+    /// Of what `load` returns.
+    explicit Snapshot(std::invocable auto&& load)
+        : values_(load()), config_(static_cast<const Config*>(detail::bound(values_))) {}
 
     Values values_;
     const Config* config_;
@@ -144,7 +148,7 @@ public:
 
     /// As `Declaration::load`.
     Snapshot<Config> load(const std::vector<Layer>& layers, const LoadOptions& options = {}) const {
-        return Snapshot<Config>(declaration_.load(layers, options));
+        return Snapshot<Config>([&] { return declaration_.load(layers, options); });
     }
 
 private:

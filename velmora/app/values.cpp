@@ -27,6 +27,23 @@ const GivenValue* held_of(const std::vector<GivenValue>& given) {
     return held != given.end() ? &*held : nullptr;
 }
 
+void Values::Data::hold() {
+    held.clear();
+    lists.clear();
+    for (std::size_t i = 0; i < given.size(); ++i) {
+        const config::ConfigValue& standard = declaration->keys()[i].default_value();
+        const auto* list = standard.get_if<config::List>();
+        if (const GivenValue* strongest = held_of(given[i])) {
+            held.push_back(&strongest->value);
+        } else if (list != nullptr) {
+            // A list of its own, so that nobody who changes it changes the declaration's.
+            held.push_back(&lists.emplace_back(list->copy()));
+        } else {
+            held.push_back(&standard);
+        }
+    }
+}
+
 const GivenValue* Values::held(std::string_view label) const& {
     return held_of(given(label));
 }

@@ -78,6 +78,7 @@ public:
 
 private:
     friend class Loading;
+    friend class LiveValues;
     friend const void* detail::bound(const Values& values) noexcept;
 
     explicit Values(std::shared_ptr<const Data> data) : data_(std::move(data)) {}

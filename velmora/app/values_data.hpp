@@ -3,6 +3,7 @@
 
 #include <deque>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "velmora/app/declaration_data.hpp"
@@ -13,6 +14,9 @@ namespace velmora::app {
 struct Values::Data {
     static const Data& of(const Values& values) noexcept { return *values.data_; }
 
+    /// Settles what holds by what is given.
+    void hold();
+
     std::shared_ptr<const Declaration::Data> declaration;
     /// By key, the strongest first.
     std::vector<std::vector<GivenValue>> given;
@@ -22,7 +26,11 @@ struct Values::Data {
     std::deque<config::ConfigValue> lists = {};
     /// By section.
     std::vector<Raw> raws;
+    /// That were there.
+    std::vector<std::string> files = {};
     std::vector<Fault> faults = {};
+    /// What a reload has loaded, where something of it waits for a restart.
+    std::shared_ptr<const Data> pending = nullptr;
     /// What a schema has made of the values.
     std::shared_ptr<const void> bound = nullptr;
 };

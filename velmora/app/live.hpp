@@ -1,0 +1,103 @@
+// The configuration in effect while a program runs: read by all of its threads, and reloaded.
+//
+//     app::Live<Config> live(schema(), {app::file("/etc/webd.yaml"), app::environment()});
+//
+//     if (live.now()->server.maintenance) ...           // in any thread, for each request
+//
+//     const auto subscription = live.on_change("log", [&](const app::Plan&) { reopen(live.now()->log); });
+//
+//     try {                                             // on SIGHUP
+//         std::cout << text_of(live.reload().changes);
+//     } catch (const app::LoadError& error) {           // nothing has changed
+//         for (const app::Fault& fault : error.faults()) std::cerr << fault;
+//     }
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "velmora/app/declaration.hpp"
+#include "velmora/app/explain.hpp"
+#include "velmora/app/layer.hpp"
+#include "velmora/app/reload.hpp"
+#include "velmora/app/schema.hpp"
+#include "velmora/app/values.hpp"
+#include "velmora/utils/export.hpp"
+
+namespace velmora::app {
+
+/// Is told by a reload what has come into effect of what it subscribes to.
+using Subscriber = std::function<void(const Plan& changes)>;
+
+/// Keeps a subscriber subscribed as long as it lives. It may outlive what it is to.
+class VELMORA_EXPORT Subscription {
+public:
+    Subscription(Subscription&&) noexcept = default;
+    Subscription& operator=(Subscription&& other) noexcept;
+    /// Waits until the subscriber is not running, unless it is itself that ends its subscription.
+    ~Subscription();
+
+private:
+    friend class LiveValues;
+    class Entry;
+
+    explicit Subscription(std::shared_ptr<Entry> entry) : entry_(std::move(entry)) {}
+
+    std::shared_ptr<Entry> entry_;
+};
+
+/// The values in effect of a declaration. All of it may be called from several threads.
+class VELMORA_EXPORT LiveValues {
+public:
+    /// Loads them. `options` are those of all loads. Throws as `Declaration::load` does.
+    LiveValues(Declaration declaration, std::vector<Layer> layers, LoadOptions options = {});
+    LiveValues(const LiveValues&) = delete;
+    LiveValues& operator=(const LiveValues&) = delete;
+    ~LiveValues();
+
+    /// Those in effect. Readers hardly ever wait, neither for each other nor for a reload.
+    Values now() const;
+
+    /// Loads anew and puts into effect what differs and takes no more restart than granted; the
+    /// rest stays as it was, pending. Checks are made of the values that then hold together.
+    ///
+    /// Throws LoadError where there is any fault, or a file gone that was there, unless `options`
+    /// allow for it; then everything is as it was before, and nothing has been reported.
+    ///
+    /// Subscribers are told in this thread, when the values are in effect. When some throw, the
+    /// others are told nonetheless, and the first exception passes. One reload is made at a time;
+    /// others wait. Throws std::logic_error when a subscriber calls it.
+    Reload reload(const ReloadOptions& options = {});
+
+    /// Has reloads tell `subscriber` of changes to the key of this label, or to any key of the section of
+    /// this name. Throws ConfigKeyError when there is neither.
+    [[nodiscard]] Subscription on_change(std::string_view name, Subscriber subscriber);
+
+private:
+    class Data;
+    std::unique_ptr<Data> data_;
+};
+
+/// The configuration in effect as the structs of a schema; else as `LiveValues`.
+template <class Config>
+class Live {
+public:
+    explicit Live(const Schema<Config>& schema, std::vector<Layer> layers, LoadOptions options = {})
+        : values_(schema.declaration(), std::move(layers), std::move(options)) {}
+
+    Snapshot<Config> now() const {
+        return Snapshot<Config>([this] { return values_.now(); });
+    }
+    Reload reload(const ReloadOptions& options = {}) { return values_.reload(options); }
+    [[nodiscard]] Subscription on_change(std::string_view name, Subscriber subscriber) {
+        return values_.on_change(name, std::move(subscriber));
+    }
+
+private:
+    LiveValues values_;
+};
+
+}  // namespace velmora::app

@@ -1,0 +1,26 @@
+// What a reload may do, and what it has done.
+#pragma once
+
+#include "velmora/app/explain.hpp"
+#include "velmora/config/declaration.hpp"
+
+namespace velmora::app {
+
+struct ReloadOptions {
+    /// The most that the caller restarts afterwards: what takes no more comes into effect.
+    config::Restart granted = config::Restart::none;
+    /// Whether warnings are to stand in the way no more than at a start, and weaker values or
+    /// defaults to take the place of refused ones. Errors always do.
+    bool despite_faults = false;
+    /// Whether files that were there before may be gone, and their values with them.
+    bool despite_missing_files = false;
+};
+
+struct Reload {
+    /// What has come into effect.
+    Plan changes;
+    /// What waits for a restart.
+    Plan pending;
+};
+
+}  // namespace velmora::app

@@ -2,13 +2,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <random>
 #include <sstream>
 
 #include <gmock/gmock.h>
-#include <unistd.h>
 
+#include "folder.hpp"
 #include "support.hpp"
 #include "velmora/app/declaration.hpp"
 #include "velmora/app/explain.hpp"
@@ -21,6 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace config;
+using test::Folder;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -118,25 +118,6 @@ TEST(Layers, InEveryOrderTheStrongestAcceptedValueHolds) {
     } while (std::next_permutation(order.begin(), order.end()));
 }
 
-class Folder {
-public:
-    Folder() : path_(fs::path(testing::TempDir()) / ("app" + std::to_string(getpid()))) {
-        fs::create_directories(path_);
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    ~Folder() { fs::remove_all(path_); }
-
-    void write(const std::string& name, const std::string& content) const {
-        fs::create_directories((path_ / name).parent_path());
-        std::ofstream(path_ / name) << content;
-    }
-    std::string path(const std::string& name) const { return path_ / name; }
-
-private:
-    fs::path path_;
-};
-
 TEST(Layers, ComeFromFilesAndFolders) {
     const Folder folder;
     folder.write("a.yaml", "server: {port: 1, name: a}");
@@ -163,11 +144,6 @@ TEST(Layers, ComeFromFilesAndFolders) {
         const std::string record = loaded.values ? display(loaded.values->record("server")) : "";
         return utils::joined(loaded.faults, "\n") + record.substr(0, record.find(", keep"));
     };
-    const auto without_folder = [&](std::string text) {
-        for (std::size_t at = 0; (at = text.find(folder.path(""))) != std::string::npos;)
-            text.erase(at, folder.path("").size());
-        return text;
-    };
     const Layer a = file(folder.path("a.yaml"));
     const std::vector<std::pair<std::vector<Layer>, const char*>> cases = {
         {{a}, "Server(port=1, limit=None, name='a'"},
@@ -192,7 +168,7 @@ TEST(Layers, ComeFromFilesAndFolders) {
          "It must be an int, at least 1 and at most 65535\nerror: Refusing log.level from k/log.level: Invalid value "
          "for log.level, a secret that is not shown. It must be a str, one of: debug, info"},
     };
-    for (const auto& [layers, expected] : cases) EXPECT_EQ(without_folder(now(layers)), expected);
+    for (const auto& [layers, expected] : cases) EXPECT_EQ(folder.local(now(layers)), expected);
 }
 
 TEST(Layers, TakeTextsAndYamlByTheirRules) {

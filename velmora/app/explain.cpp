@@ -21,7 +21,7 @@ Explanation explain_key(const Values::Data& data, std::size_t position) {
                     .place = {},
                     .default_value = key.shown(key.default_value()),
                     .restart = key.key().restart()};
-    if (data.pending != nullptr && *data.pending->held[position] != *data.held[position]) {
+    if (data.is_pending(position)) {
         const GivenValue* const held = held_of(data.pending->given[position]);
         all.pending = {key.shown(*data.pending->held[position]),
                        held != nullptr ? utils::one_line(held->place()) : ""};

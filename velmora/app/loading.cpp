@@ -127,9 +127,10 @@ void Loading::make_checks(const Values& now, std::vector<Fault>& faults) const {
 
 std::string Loading::origin_of(const Values::Data& data, std::size_t key) const {
     const JudgedKey& judged = declaration_.data_->keys()[key];
+    const std::string value = judged.label() + " is " + judged.shown(*data.held[key]);
+    if (data.is_pending(key)) return value + " until a restart";
     const GivenValue* held = held_of(data.given[key]);
-    return judged.label() + " is " + judged.shown(*data.held[key]) +
-           (held != nullptr ? " from " + utils::one_line(held->place()) : " by default");
+    return value + (held != nullptr ? " from " + utils::one_line(held->place()) : " by default");
 }
 
 }  // namespace velmora::app

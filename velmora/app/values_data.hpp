@@ -16,6 +16,10 @@ struct Values::Data {
 
     /// Settles what holds by what is given.
     void hold();
+    /// Whether another value waits to hold for the key at a position.
+    bool is_pending(std::size_t key) const {
+        return pending != nullptr && *pending->held[key] != *held[key];
+    }
 
     std::shared_ptr<const Declaration::Data> declaration;
     /// By key, the strongest first.

@@ -1,0 +1,292 @@
+// What is in effect after reloads, what waits, who is told; and that threads may do all of it at once.
+#include "velmora/app/live.hpp"
+
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+
+#include <gmock/gmock.h>
+
+#include "folder.hpp"
+#include "support.hpp"
+#include "velmora/utils/logging.hpp"
+
+namespace {
+
+namespace app = velmora::app;
+using namespace velmora::config;
+using velmora::test::outcome;
+
+struct Part {
+    int none = 0;
+    int worker = 0;
+    int daemon = 9;
+    std::vector<std::string> tags;
+    std::string token;
+};
+struct Config {
+    Part s;
+    app::Raw r;
+};
+
+const app::Schema<Config>& schema() {
+    static const app::Schema<Config> schema =
+        app::Schema<Config>{
+            app::section(&Config::s, "s", "Section.", {.restart = Restart::daemon},
+                         {
+                             app::key(&Part::none, "none", "Nothing.", {.restart = Restart::none, .formerly = {"old"}}),
+                             app::key(&Part::worker, "worker", "Worker.", {.restart = Restart::worker}),
+                             app::key(&Part::daemon, "daemon", "Daemon."),
+                             app::key(&Part::tags, "tags", "Tags.", {.restart = Restart::none}),
+                             app::required(&Part::token, "token", "Token.", {.secret = true}),
+                         }),
+            app::raw(&Config::r, "r", "Read as a whole.", {.restart = Restart::worker}),
+        }
+            .check({"s.none", "s.daemon"},
+                   [](const Config& config) { return config.s.none > config.s.daemon ? "too much" : ""; });
+    return schema;
+}
+
+std::string brief(const app::Plan& plan) {
+    std::string text(name_of(plan.restart));
+    for (const app::Change& each : plan.changes) text += " " + each.label + ":" + each.before + ">" + each.after;
+    return text;
+}
+
+// A running program and the files that it reads.
+class Running : public testing::Test {
+protected:
+    Running() {
+        put("a", "s: {none: 1, daemon: 5}\nr: [1]");
+        put("d/1.yaml", "s: {worker: 1}");
+        put("c/s.token", "t0ken");
+    }
+
+    // Null for none, "/" for what cannot be read.
+    void put(const std::string& file, const char* content) const {
+        folder.remove(file);
+        if (content != nullptr) folder.write(content == std::string("/") ? file + "/x" : file, content);
+    }
+
+    std::string in_effect() const {
+        const app::Snapshot<Config> now = live().now();
+        return std::to_string(now->s.none) + std::to_string(now->s.worker) + std::to_string(now->s.daemon) +
+               display(now->r.value());
+    }
+
+    std::string reload(const app::ReloadOptions& options = {}) {
+        printed.clear();
+        try {
+            const app::Reload done = live().reload(options);
+            EXPECT_EQ(brief(done.pending), brief(pending(live().now().values())));
+            printed = in_effect() + " " + brief(done.changes) + " | " + brief(done.pending) + printed;
+        } catch (const app::LoadError& error) {
+            for (const app::Fault& fault : error.faults()) printed += "\n" + one_line(fault);
+            printed = in_effect() + printed;
+        }
+        return folder.local(printed);
+    }
+
+    app::Live<Config>& live() const { return *live_; }
+    void start() {
+        live_.emplace(schema(),
+                      std::vector{app::file(folder.path("a"), {.optional = true}), app::directory(folder.path("d")),
+                                  app::credentials({.directory = folder.path("c")})},
+                      app::LoadOptions{.report = [this](const app::Fault& each) { printed += "\n" + one_line(each); }});
+    }
+
+    velmora::test::Folder folder;
+    std::string printed;
+
+private:
+    mutable std::optional<app::Live<Config>> live_;
+};
+
+TEST_F(Running, ReloadsPutIntoEffectWhatTheyMay) {
+    constexpr auto none = Restart::none, worker = Restart::worker, daemon = Restart::daemon;
+    const app::ReloadOptions faulty = {.despite_faults = true}, gone = {.despite_missing_files = true};
+    const char* const changed = "s: {none: 2, daemon: 6}\nr: [2]";
+    const char* const both_6 = "s: {none: 6, daemon: 6}";
+    const char* const daemon_0 = "s: {none: 1, daemon: 0}";
+    const std::string too_much = "\na:1:11: error: s.none, s.daemon: too much (";
+    struct Row {
+        const char* file;
+        const char* content;
+        app::ReloadOptions options;
+        std::string expected;
+    };
+    const Row rows[] = {
+        {"a", "r: [1]\ns: {daemon: 5, none: 1}", {none}, "115[1] none | none"},
+        {"a", changed, {none}, "215[1] none s.none:1>2 | daemon s.daemon:5>6 r:(secret)>(secret)"},
+        {"a", changed, {worker}, "215[2] worker s.none:1>2 r:(secret)>(secret) | daemon s.daemon:5>6"},
+        {"a", changed, {daemon}, "216[2] daemon s.none:1>2 s.daemon:5>6 r:(secret)>(secret) | none"},
+        {"a", "s: {none: 1}", {none}, "115[1] none | daemon s.daemon:5>9 r:(secret)>None"},
+        {"a", "s: {none: 1, daemon: 5, worker: 3}\nr: [1]", {daemon}, "115[1] none | none"},
+        {"c/s.token", "0ther", {none}, "115[1] none | daemon s.token:(secret)>(secret)"},
+        {"c/s.token", "0ther", {daemon}, "115[1] daemon s.token:(secret)>(secret) | none"},
+
+        {"a", "s: {none: x, daemon: 6}", {daemon}, "\na:1:11: error: Refusing s.none in a: Cannot set *"},
+        {"a", "s: [1]", {daemon}, "\na:1:4: error: Refusing the s section of a: it is not a mapping"},
+        {"a", "s: {nome: 2}", {daemon}, "\na:1:5: error: Refusing s.nome in a: there is no such key; *"},
+        {"a", "s: {old: 2, daemon: 6}", {daemon}, "\na:1:5: s.old in a is called s.none now: rename it"},
+        {"a", "[1]", {daemon}, "\na:1:1: error: Refusing a: it is a list, not a mapping of sections"},
+        {"a", "s: {", {daemon}, "\na:1:5: error: *"},
+        {"a", "/", {daemon}, "\nerror: a: cannot be read: Is a directory"},
+        {"d/2.yaml", "/", {daemon}, "\nerror: Refusing d/2.yaml: it is no file"},
+        {"d", "x", {daemon}, "\nerror: d: cannot be read: Not a directory"},
+        {"c/s.token", "", {daemon}, "\nerror: s.token must be given a value: Token."},
+        {"a", both_6, {none}, too_much + "s.none is 6 from a:1:11, s.daemon is 5 until a restart)"},
+        {"a", both_6, {daemon}, "616None daemon s.none:1>6 s.daemon:5>6 r:(secret)>None | none"},
+        {"a", daemon_0, {none}, "115[1] none | daemon s.daemon:5>0 r:(secret)>None"},
+        {"a", daemon_0, {daemon}, too_much + "s.none is 1 from a:1:11, s.daemon is 0 from a:1:22)"},
+
+        {"a", nullptr, {daemon}, "\nerror: a: was there before and is gone"},
+        {"d/1.yaml", nullptr, {daemon}, "\nerror: d/1.yaml: was there before and is gone"},
+        {"d", nullptr, {daemon}, "\nerror: d/1.yaml: was there before and is gone"},
+        {"d", nullptr, faulty, "\nerror: d/1.yaml: was there before and is gone"},
+        {"c/s.token", nullptr, gone, "\nerror: s.token must be given a value: Token."},
+        {"a", nullptr, gone, "015[1] none s.none:1>0 | daemon s.daemon:5>9 r:(secret)>None"},
+        {"d", nullptr, gone, "115[1] none | worker s.worker:1>0"},
+
+        {"a", "s: {none: x, tags: 1}", faulty,
+         "015[1] none s.none:1>0 | daemon s.daemon:5>9 r:(secret)>None\na:1:11: Ignoring s.none in a: *"},
+        {"a", "s: {old: 2, daemon: 5}\nr: [1]", faulty,
+         "215[1] none s.none:1>2 | none\na:1:5: s.old in a is called s.none now: rename it"},
+        {"a", "s: {", faulty, "\na:1:5: error: *"},
+        {"a", both_6, faulty, too_much + "*"},
+    };
+    for (const auto& [file, content, options, expected] : rows) {
+        for (const char* each : {"a", "d", "c/s.token"}) put(each, nullptr);
+        put("a", "s: {none: 1, daemon: 5}\nr: [1]");
+        put("d/1.yaml", "s: {worker: 1}");
+        put("c/s.token", "t0ken");
+        start();
+        put(file, content);
+        const std::string all = (expected.front() == '\n' ? "115[1]" : "") + expected;
+        const std::string came = reload(options);
+        if (all.back() == '*') {
+            EXPECT_EQ(came.substr(0, all.size() - 1), all.substr(0, all.size() - 1));
+        } else {
+            EXPECT_EQ(came, all);
+        }
+        EXPECT_THAT(came, testing::Not(testing::HasSubstr("0ther")));
+    }
+}
+
+TEST_F(Running, KeepsWhatIsPendingUntilItHolds) {
+    start();
+    const auto daemon = [this] { return text_of(explain(live().now().values(), "s.daemon")); };
+    const std::string head = "s.daemon = 5\n  Daemon. An int, at least -2.14748e+09 and at most 2.14748e+09.\n",
+                      tail = "  default  9\n  a change takes a restart of the daemon\n";
+    const auto path = [this](const char* name) { return folder.path(name); };
+    put("a", "s: {none: 1, daemon: 6}");
+    EXPECT_EQ(reload(), "115[1] none | daemon s.daemon:5>6 r:(secret)>None");
+    EXPECT_EQ(daemon(), head + "  from     " + path("a:1:22") + "\n  pending  6  " + path("a:1:22") + "\n" + tail);
+    put("a", "s: {nome: 1}");
+    EXPECT_THAT(reload(), testing::HasSubstr("Refusing"));
+    EXPECT_EQ(brief(pending(live().now().values())), "daemon s.daemon:5>6 r:(secret)>None");
+    put("a", nullptr);
+    EXPECT_EQ(reload({.despite_missing_files = true}), "015[1] none s.none:1>0 | daemon s.daemon:5>9 r:(secret)>None");
+    EXPECT_EQ(daemon(), head + "  from     " + path("a:1:22") + "\n  pending  9  the default\n" + tail);
+    EXPECT_EQ(reload(), "015[1] none | daemon s.daemon:5>9 r:(secret)>None");
+    put("a", "s: {daemon: 5}\nr: [1]");
+    EXPECT_EQ(reload(), "015[1] none | none");
+    EXPECT_EQ(daemon(), head + "  from     " + path("a:1:13") + "\n" + tail);
+    EXPECT_EQ(text_of(explain(live().now().values(), "s.none")).find("pending"), std::string::npos);
+}
+
+TEST_F(Running, TellsThoseWhoSubscribe) {
+    start();
+    std::string told;
+    std::optional<app::Subscription> of_worker;
+    const auto telling = [&](const std::string& name, const std::string& also = "") {
+        return live().on_change(also.empty() ? name : also,
+                                [&told, name](const app::Plan& plan) { told += name + "<" + brief(plan) + "> "; });
+    };
+    const app::Subscription of_section = telling("s"), of_key = telling("s.none"), of_raw = telling("r");
+    std::optional ended = telling("ended", "s");
+    app::Subscription replaced = telling("replaced", "s.none");
+    replaced = telling("new", "s.none");
+    of_worker = live().on_change("s.worker", [&](const app::Plan&) {
+        told += in_effect() + outcome([&] { return brief(live().reload().changes); }) + " ";
+        of_worker.reset();
+        ended.reset();
+    });
+    put("a", "s: {none: 2, daemon: 6}");
+    put("d/1.yaml", "s: {worker: 2}");
+    EXPECT_EQ(reload(), "215[1] none s.none:1>2 | daemon s.worker:1>2 s.daemon:5>6 r:(secret)>None");
+    EXPECT_EQ(told, "s<none s.none:1>2> s.none<none s.none:1>2> ended<none s.none:1>2> new<none s.none:1>2> ");
+    told.clear();
+    EXPECT_EQ(reload({Restart::worker}), "225None worker s.worker:1>2 r:(secret)>None | daemon s.daemon:5>6");
+    EXPECT_EQ(told,
+              "s<worker s.worker:1>2> r<worker r:(secret)>None> ended<worker s.worker:1>2> "
+              "225Noneanother error: a reload cannot be made within a reload ");
+    told.clear();
+    put("d/1.yaml", "s: {worker: 3}");
+    const app::Subscription failing =
+        live().on_change("s.worker", [](const app::Plan&) { throw std::runtime_error("first"); });
+    const app::Subscription next = live().on_change("s", [](const app::Plan&) { throw std::runtime_error("second"); });
+    const app::Subscription last = telling("last", "s");
+    EXPECT_EQ(outcome([this] { return reload({Restart::worker}); }), "another error: first");
+    EXPECT_EQ(in_effect() + told,
+              "235None"
+              "s<worker s.worker:2>3> last<worker s.worker:2>3> ");
+    EXPECT_EQ(reload({Restart::worker}), "235None none | daemon s.daemon:5>6");
+    for (const char* name : {"t", "s.non", "r.x"})
+        EXPECT_THAT(outcome([&] { return telling(name), ""; }), testing::HasSubstr("ConfigKeyError"));
+    start();
+}
+
+TEST_F(Running, ThreadsReadReloadAndSubscribeAtOnce) {
+    // Twice the same number, and a fault that is logged.
+    const auto put_number = [this](int number) {
+        const std::string tags = velmora::test::repeated("x,", number);
+        folder.write("new", "nothing: 1\ns: {none: " + std::to_string(number) + ", daemon: 99, tags: [" + tags + "]}");
+        std::filesystem::rename(folder.path("new"), folder.path("a"));
+    };
+    const app::ReloadOptions options = {.despite_faults = true};
+    std::atomic<int> read = 1, logged = 0;
+    std::atomic<bool> over = false;
+    const auto change_sink = [&] { velmora::utils::set_sink([&](const velmora::utils::LogRecord&) { ++logged; }); };
+    change_sink();
+    put_number(1);
+    app::Live<Config> live(schema(), {app::file(folder.path("a")), app::credentials({.directory = folder.path("c")})});
+    std::vector<std::thread> threads;
+    const auto repeat = [&](const std::function<void()>& act) {
+        threads.emplace_back([act, &over] {
+            for (; !over; std::this_thread::yield()) act();
+        });
+    };
+    for (int i = 0; i < 8; ++i) {
+        repeat([&] {
+            int before = read;
+            const app::Snapshot<Config> now = live.now();
+            EXPECT_GE(now->s.none, before);
+            EXPECT_EQ(now->s.tags.size(), static_cast<std::size_t>(now->s.none));
+            while (before < now->s.none && !read.compare_exchange_weak(before, now->s.none)) {
+            }
+        });
+    }
+    repeat(change_sink);
+    repeat([&] { live.reload(options); });
+    repeat([&] {
+        std::string told;
+        const auto subscription = live.on_change("s", [&told](const app::Plan& plan) { told += brief(plan); });
+    });
+    int told = 0;
+    {
+        const auto subscription = live.on_change("s.none", [&told](const app::Plan&) { ++told; });
+        for (int number = 2; number < 40; ++number) {
+            put_number(number);
+            live.reload(options);
+            EXPECT_EQ(live.now()->s.none, number);
+        }
+    }
+    over = true;
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(told, 38);
+    EXPECT_GE(logged, 39);
+    velmora::utils::set_sink(nullptr);
+}
+
+}  // namespace

@@ -1,10 +1,11 @@
-// Loading a configuration from a file through layers, against reading its YAML alone.
+// Loading a configuration from a file through layers, against reading its YAML alone; and explaining it.
 #include <string>
 #include <vector>
 
 #include "contender.hpp"
 #include "temporary_file.hpp"
 #include "velmora/app/declaration.hpp"
+#include "velmora/app/explain.hpp"
 #include "velmora/yaml/yaml.hpp"
 
 namespace bench {
@@ -107,6 +108,27 @@ void add_files(Run& run, bool aliases) {
 
 const Contender many_ours("load_many/ours", [](Run& run) { add_many(run, false); });
 const Contender many_limit("load_many/limit", [](Run& run) { add_files(run, false); });
+// Explaining all keys, against as many of small configurations.
+std::size_t explain_all(const app::Values& values) {
+    std::size_t size = 0;
+    for (const app::Explanation& each : app::explain(values)) size += text_of(each).size();
+    return size;
+}
+void add_explained(Run& run, std::size_t sections) {
+    static const Loaded many(many_sections, false);
+    static const app::Values all = many.load();
+    static const app::Values some = few().load();
+    const app::Values& explained = sections == many_sections ? all : some;
+    const auto explain = [&] {
+        std::size_t size = 0;
+        for (std::size_t i = 0; i < many_sections; i += sections) size += explain_all(explained);
+        return size / many_sections;
+    };
+    run.once(explain, true, [](std::size_t size) { return size > 1000; });
+}
+
+const Contender explain_ours("explain/ours", [](Run& run) { add_explained(run, many_sections); });
+const Contender explain_limit("explain/limit", [](Run& run) { add_explained(run, few_sections); });
 const Contender aliases_ours("load_aliases/ours", [](Run& run) { add_many(run, true); });
 const Contender aliases_limit("load_aliases/limit", [](Run& run) { add_files(run, true); });
 

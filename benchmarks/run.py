@@ -50,6 +50,8 @@ JOBS = {
     "load": ("Load a file of 20 sections of 20 keys through layers", "`velmora::yaml::load_file` of it", 1.25),
     "load_many": ("The same of 500 sections", "25 files of 20", 1.25),
     "load_aliases": ("The same with 2,000 aliases of one list", "25 files of 20", 1.25),
+    "explain": ("Explain 10,000 keys", "25 times 400", 1.25),
+    "live": ("Read one value in effect while seven other threads read, too, and one reloads", "reading it through a pointer", "30 ns"),
     "compile": ("Compile a schema of 30 keys", "the same keys as record types", 1.25),
 }
 

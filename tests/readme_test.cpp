@@ -1,15 +1,17 @@
-// The code of the README, compiled and run: its odd blocks stand at namespace scope, its even ones in
-// functions, and the file and the output that it shows are compared with what happens.
+// The code of the README, compiled and run: its first and its fourth block stand at namespace scope, the others in
+// functions, and the output that it shows for its files is compared with what happens.
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <sstream>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include "readme_1.inc"
-#include "readme_3.inc"
+#include "readme_4.inc"
+#include "velmora/app/live.hpp"
 
 namespace {
 
@@ -33,8 +35,17 @@ void load(const std::vector<std::string>& pairs) {
 #include "readme_2.inc"
 }
 
+// An operator edits the file and sends the signal.
+void wait_for(int) {
+    std::ofstream("app.yaml") << block("yaml", 2);
+}
+
+void live() {
+#include "readme_3.inc"
+}
+
 void read() {
-#include "readme_4.inc"
+#include "readme_5.inc"
 }
 
 // What the program writes, warnings first, when this is its file.
@@ -52,7 +63,8 @@ TEST(Readme, ShowsWhatHappens) {
     std::filesystem::current_path(testing::TempDir());
     EXPECT_EQ(output_for(block("yaml"), [] { load({}); }), block("text"));
     EXPECT_THROW(load({"server.port=x"}), app::LoadError);
-    EXPECT_EQ(output_for(block("yaml"), read), block("text", 2));
+    EXPECT_THAT(output_for(block("yaml"), live), testing::EndsWith("\n" + block("text", 2)));
+    EXPECT_EQ(output_for(block("yaml"), read), block("text", 3));
     const std::string defaults = "Server(host='127.0.0.1', port=8080, tags=['a', 'b'])\n";
     for (const char* content : {"", "# server:\n", "- server\n"})
         EXPECT_EQ(output_for(content, read), defaults) << content;

@@ -56,7 +56,7 @@ void take_file(Intake& intake, const std::string& path, bool optional) {
         if (!(optional && is_missing(error.code()))) add_unreadable(intake, path, error.code());
         return;
     }
-    intake.add_file(path);
+    if (!text.empty()) intake.add_file(path);
     intake.take_yaml(text, path);
 }
 

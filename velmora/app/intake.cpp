@@ -54,9 +54,9 @@ Fault& Intake::add_old_name(std::size_t key, const std::string& old, const std::
 }
 
 std::optional<std::string> Intake::read_text(const std::string& label, const std::string& path) {
-    add_file(path);
     try {
         std::string text = utils::read_file(path);
+        if (!text.empty()) add_file(path);
         for (const std::string_view end : {"\r\n", "\n"}) {
             if (!text.ends_with(end)) continue;
             text.resize(text.size() - end.size());

@@ -32,7 +32,7 @@ public:
     /// What is given from now on comes from a layer that goes over those before.
     void begin_layer(OnFault on_fault) noexcept { on_fault_ = on_fault; }
 
-    /// Says that a file is there.
+    /// Says that there is a file with something in it.
     void add_file(const std::string& path) { values_.files.push_back(path); }
     /// A mapping of sections. `document` is null when it stands in none.
     void take_document(const config::ConfigValue& root, const std::string& name,

@@ -64,8 +64,8 @@ public:
     /// Loads anew and puts into effect what differs and takes no more restart than granted; the
     /// rest stays as it was, pending. Checks are made of the values that then hold together.
     ///
-    /// Throws LoadError where there is any fault, or a file gone that was there, unless `options`
-    /// allow for it; then everything is as it was before, and nothing has been reported.
+    /// Throws LoadError where there is any fault, or a file gone or empty that was not before, unless
+    /// `options` allow for it; then everything is as it was, and nothing has been reported.
     ///
     /// Subscribers are told in this thread, when the values are in effect. When some throw, the
     /// others are told nonetheless, and the first exception passes. One reload is made at a time;

@@ -19,8 +19,8 @@ bool is_refused(const std::vector<Fault>& faults, bool strict) {
     return strict ? !faults.empty() : std::any_of(faults.begin(), faults.end(), is_error);
 }
 
-// Adds the files that were there at an earlier load and are no more, unless an error about them, or the
-// folder that they were in, says why.
+// Adds the files that had something in them at an earlier load and are gone now, or empty as those are
+// that are being written; unless an error about them, or the folder that they were in, says why.
 void add_missing_files(const std::vector<std::string>& before, Values::Data& data) {
     for (const std::string& path : before) {
         const bool explained =
@@ -34,7 +34,7 @@ void add_missing_files(const std::vector<std::string>& before, Values::Data& dat
              .severity = Severity::error,
              .key = {},
              .source = path,
-             .message = utils::one_line(path) + ": was there before and is gone"});
+             .message = utils::one_line(path) + ": is gone or empty, which it was not before"});
     }
 }
 

@@ -12,7 +12,8 @@ struct ReloadOptions {
     /// Whether warnings are to stand in the way no more than at a start, and weaker values or
     /// defaults to take the place of refused ones. Errors always do.
     bool despite_faults = false;
-    /// Whether files that were there before may be gone, and their values with them.
+    /// Whether files that had something in them before may be gone or empty, as those are for a moment
+    /// that are being written.
     bool despite_missing_files = false;
 };
 

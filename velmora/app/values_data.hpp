@@ -30,7 +30,7 @@ struct Values::Data {
     std::deque<config::ConfigValue> lists = {};
     /// By section.
     std::vector<Raw> raws;
-    /// That were there.
+    /// That had something in them.
     std::vector<std::string> files = {};
     std::vector<Fault> faults = {};
     /// What a reload has loaded, where something of it waits for a restart.

@@ -11,12 +11,13 @@ public:
     Descriptor(Descriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (is_open()) ::close(descriptor_);
-    }
+    ~Descriptor() { close(); }
 
     int get() const noexcept { return descriptor_; }
     bool is_open() const noexcept { return descriptor_ != -1; }
+    void close() noexcept {
+        if (is_open()) ::close(std::exchange(descriptor_, -1));
+    }
 
 private:
     int descriptor_;

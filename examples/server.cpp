@@ -3,14 +3,17 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <exception>
+#include <future>
 #include <memory>
 #include <stdexcept>
+#include <string>
 #include <system_error>
+#include <vector>
 
+#include <fcntl.h>
 #include <netdb.h>
 #include <sys/socket.h>
-#include <sys/wait.h>
+#include <unistd.h>
 #include <velmora/utils/logging.hpp>
 
 #include "descriptor.hpp"
@@ -28,11 +31,11 @@ velmora::utils::Logger& log() {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-// Blocks the signals that end the daemon and its workers, for `::sigwait` to take.
+// Blocks the signals that end the daemon, in later threads as well, for `::sigwait` to take.
 sigset_t signals_held() {
     sigset_t signals;
     ::sigemptyset(&signals);
-    for (const int each : {SIGTERM, SIGINT, SIGCHLD}) ::sigaddset(&signals, each);
+    for (const int each : {SIGTERM, SIGINT}) ::sigaddset(&signals, each);
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     return signals;
 }
@@ -57,58 +60,54 @@ Descriptor listening(const Server& settings) {
     return socket;
 }
 
-// The workers, each a process. They end when this does, however that comes about: then the last
-// end of a pipe is closed that they all watch.
+std::array<int, 2> opened_pipe() {
+    std::array<int, 2> ends = {};
+    if (::pipe2(ends.data(), O_CLOEXEC) == -1) fail("pipe");
+    return ends;
+}
+
+// The workers, each a thread. They end when one end of a pipe is closed whose other they watch.
 class Workers {
 public:
-    Workers(const Config& config, const Descriptor& listener) : Workers() {
-        for (unsigned i = 0; i < config.server.workers; ++i) start(config, listener);
+    Workers(const Config& config, const Descriptor& listener) : Workers(opened_pipe()) {
+        for (unsigned i = 1; i <= config.server.workers; ++i) {
+            threads_.push_back(std::async(std::launch::async, [this, &config, &listener, i] {
+                try {
+                    Worker(config, listener, i).run(life_);
+                } catch (...) {
+                    ::kill(::getpid(), SIGTERM);
+                    throw;
+                }
+            }));
+        }
     }
+
     Workers(const Workers&) = delete;
     Workers& operator=(const Workers&) = delete;
-    ~Workers() {
-        ::close(ends_[1]);
-        while (::wait(nullptr) != -1 || errno == EINTR) {
-        }
-        ::close(ends_[0]);
+
+    /// Ends them, and throws what one of them has ended by itself with.
+    void end() {
+        end_.close();
+        for (std::future<void>& thread : threads_) thread.get();
     }
 
 private:
-    Workers() {
-        if (::pipe(ends_.data()) == -1) fail("pipe");
-    }
+    explicit Workers(const std::array<int, 2>& ends) : life_(ends[0]), end_(ends[1]) {}
 
-    void start(const Config& config, const Descriptor& listener) {
-        const pid_t process = ::fork();
-        if (process == -1) fail("fork");
-        if (process != 0) return;
-        ::close(ends_[1]);
-        try {
-            Worker(config, listener).run(ends_[0]);
-            ::_exit(0);
-        } catch (const std::exception& error) {
-            log().log(Level::error, "%s", error);
-            ::_exit(1);
-        }
-    }
-
-    std::array<int, 2> ends_ = {};
+    Descriptor life_;
+    /// Waited for when they are destroyed, which `end_` must be before.
+    std::vector<std::future<void>> threads_;
+    Descriptor end_;
 };
-
-// Waits until a signal says to end.
-void wait_for_end(const sigset_t& signals) {
-    for (int signal = SIGCHLD; signal == SIGCHLD; ::sigwait(&signals, &signal)) {
-        if (::waitpid(-1, nullptr, WNOHANG) > 0)
-            throw std::runtime_error("a worker has ended by itself");
-    }
-}
 
 }  // namespace
 
 void serve(const Config& config) {
     const sigset_t signals = signals_held();
     const Descriptor listener = listening(config.server);
-    const Workers workers(config, listener);
+    Workers workers(config, listener);
     log().log(Level::info, "listening on %s port %s", config.server.host, config.server.port);
-    wait_for_end(signals);
+    int signal = 0;
+    ::sigwait(&signals, &signal);
+    workers.end();
 }

@@ -1,9 +1,8 @@
-// The daemon: processes that answer HTTP requests.
+// The daemon: threads that answer HTTP requests.
 #pragma once
 
 #include "settings.hpp"
 
-/// Listens, and answers requests until SIGTERM or SIGINT comes, in as many processes as there are
-/// to be workers. Throws std::system_error when it cannot listen, std::runtime_error when a worker
-/// ends by itself.
+/// Listens, and answers requests until SIGTERM or SIGINT comes, in as many threads as there are to
+/// be workers. Throws std::system_error when it cannot listen, and what a worker ends by itself with.
 void serve(const Config& config);

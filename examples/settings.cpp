@@ -53,7 +53,8 @@ app::Schema<Config> declared() {
                      {.env = "WEBD_HOST"}),
             app::key(&Server::port, "port", "Port that the server listens on.",
                      {.env = "WEBD_PORT", .bounds = Bound(1)}),
-            app::key(&Server::workers, "workers", "Worker processes.", {.bounds = Bound(1, 256)}),
+            app::key(&Server::workers, "workers", "Worker threads.",
+                     {.bounds = Bound(1, 256), .restart = Restart::worker}),
             app::key(&Server::keep_alive, "keep_alive",
                      "Seconds that an idle connection is kept open.",
                      {.bounds = NON_NEGATIVE, .restart = Restart::worker}),
@@ -63,8 +64,7 @@ app::Schema<Config> declared() {
                      {.restart = Restart::none}),
         }),
         app::section(&Config::tls, "tls",
-                     "HTTPS. Certificates are read when the daemon starts, as root; the workers "
-                     "never see the private key.",
+                     "HTTPS. Certificates are read when the daemon starts.",
                      {.restart = Restart::daemon}, {
             app::key(&Tls::enabled, "enabled", "Serve HTTPS.", {.env = "WEBD_TLS"}),
             app::key(&Tls::certificate, "certificate", "File of the certificate chain, PEM."),

@@ -11,7 +11,6 @@
 
 #include <poll.h>
 #include <sys/socket.h>
-#include <unistd.h>
 #include <velmora/utils/logging.hpp>
 
 #include "http.hpp"
@@ -48,10 +47,10 @@ int milliseconds_until(Moment deadline) {
 
 }  // namespace
 
-void Worker::run(int life) {
+void Worker::run(const Descriptor& life) {
     for (;;) {
         const bool has_room = connections_.size() < most_connections;
-        std::vector<pollfd> polled = {{life, POLLIN, 0},
+        std::vector<pollfd> polled = {{life.get(), POLLIN, 0},
                                       {has_room ? listener_.get() : -1, POLLIN, 0}};
         Moment next = Moment::max();
         for (const Connection& each : connections_) {
@@ -133,8 +132,8 @@ std::string Worker::answer_to(const Request& request, Moment now) {
     const std::string path = request.target.substr(0, request.target.find('?'));
     if (const Response* const kept = cache_.find(path, now)) return wire_text(*kept, request);
     Response response = make_response(200, server.tags,
-                                      "Response " + std::to_string(++made_) + " of process " +
-                                          std::to_string(::getpid()) + ", to " + path + "\n");
+                                      "Response " + std::to_string(++made_) + " of worker " +
+                                          std::to_string(number_) + ", to " + path + "\n");
     std::string text = wire_text(response, request);
     cache_.keep(path, std::move(response), now);
     return text;

@@ -1,4 +1,4 @@
-// A process that answers requests, one thread for all of its connections.
+// A thread that answers requests, one for all of its connections.
 #pragma once
 
 #include <cstdint>
@@ -12,12 +12,12 @@
 class Worker {
 public:
     /// Takes its connections from `listener`, which others may take theirs from, too.
-    Worker(const Config& config, const Descriptor& listener)
-        : config_(config), listener_(listener), cache_(config.cache) {}
+    Worker(const Config& config, const Descriptor& listener, unsigned number)
+        : config_(config), listener_(listener), number_(number), cache_(config.cache) {}
 
     /// Answers until the other end of the pipe `life` is closed. Throws std::system_error when the
     /// system is out of means.
-    void run(int life);
+    void run(const Descriptor& life);
 
 private:
     struct Connection {
@@ -40,6 +40,8 @@ private:
 
     const Config& config_;
     const Descriptor& listener_;
+    /// Which of the workers it is.
+    unsigned number_;
     ResponseCache cache_;
     std::list<Connection> connections_;
     std::uint64_t made_ = 0;

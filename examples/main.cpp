@@ -51,14 +51,15 @@ app::Snapshot<Config> load(const Sources& sources) {
 }
 
 // A command that does something with what is loaded.
-void add_command(CLI::App& program, const char* name, const char* doc, Sources& sources,
-                 const std::function<void(const app::Snapshot<Config>&)>& act) {
+CLI::App& add_command(CLI::App& program, const char* name, const char* doc, Sources& sources,
+                      const std::function<void(const app::Snapshot<Config>&)>& act) {
     CLI::App* const command = program.add_subcommand(name, doc);
     command->add_option("--file", sources.file,
                         "YAML file to read instead of /etc/webd.yaml and /etc/webd.d/*.yaml.");
     command->add_option("--set", sources.sets, "SECTION.KEY=VALUE, over all other values.")
         ->allow_extra_args(false);
     command->callback([&sources, act] { act(load(sources)); });
+    return *command;
 }
 
 int run(int argc, char** argv) {
@@ -74,6 +75,10 @@ int run(int argc, char** argv) {
                 });
     add_command(program, "show", "Print every key, its value and where that comes from.", sources,
                 [](const app::Snapshot<Config>& now) { show(std::cout, now); });
+    std::vector<std::string> labels;
+    add_command(program, "explain", "Print what holds for keys, and why.", sources,
+                [&labels](const app::Snapshot<Config>& now) { explain(std::cout, now, labels); })
+        .add_option("keys", labels, "SECTION.KEY..., or all of them.");
     add_command(program, "check", "Say what is wrong; fail if anything is.", sources,
                 [&status](const app::Snapshot<Config>& now) {
                     if (!now.faults().empty()) status = failed;

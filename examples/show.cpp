@@ -2,30 +2,36 @@
 
 #include <iomanip>
 #include <ostream>
-#include <string>
 
+#include <velmora/app/explain.hpp>
 #include <velmora/config/spec.hpp>
 #include <velmora/utils/quoting.hpp>
+#include <velmora/utils/texts.hpp>
+
+#include "refuse.hpp"
 
 using namespace velmora;
-
-namespace {
-
-std::string origin_of(const std::string& label, const app::Values& values) {
-    for (const app::GivenValue& given : values.given(label)) {
-        if (given.accepted()) return utils::one_line(given.place());
-    }
-    return "default";
-}
-
-}  // namespace
 
 void show(std::ostream& out, const app::Snapshot<Config>& now) {
     for (const config::Section& section : schema().declaration().sections()) {
         for (const config::Key& key : section.keys()) {
             const std::string label = key.label();
+            const app::GivenValue* const held = now.values().held(label);
             out << std::left << std::setw(20) << label << "  " << now.values()[label] << "  # "
-                << origin_of(label, now.values()) << '\n';
+                << (held != nullptr ? utils::one_line(held->place()) : "default") << '\n';
         }
     }
+}
+
+void explain(std::ostream& out, const app::Snapshot<Config>& now,
+             const std::vector<std::string>& labels) {
+    std::vector<std::string> texts;
+    refuse_together(labels, [&](const std::string& label) {
+        texts.push_back(text_of(app::explain(now.values(), label)));
+    });
+    if (labels.empty()) {
+        for (const app::Explanation& each : app::explain(now.values()))
+            texts.push_back(text_of(each));
+    }
+    out << utils::joined(texts, "\n");
 }

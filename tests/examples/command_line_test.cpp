@@ -30,6 +30,7 @@ TEST_F(CommandLine, TellsWhatItTakes) {
                                                  {"check --set tls.enabled=1", 1},
                                                  {"check --set server.tags=\"$(printf 'a\\rb')\"", 1},
                                                  {"check --set cache.max_bytes=9", 1},
+                                                 {"explain log.utc log.utx", 2},
                                                  {"run --set tls.enabled=1", 1},
                                                  {"run --set log.file=no/file", 1}};
     for (const auto& [arguments, status] : cases) EXPECT_EQ(run("$webd " + arguments).status, status) << arguments;
@@ -58,6 +59,15 @@ TEST_F(CommandLine, ShowsValuesAndPointsAtWhatItIgnores) {
     const Outcome checked = run(variables + "$webd check" + arguments);
     EXPECT_EQ(std::tie(checked.status, checked.out, checked.err), std::tuple(1, "", shown.err));
     EXPECT_EQ(run("$webd show").err, "");
+
+    EXPECT_THAT(run(variables + "$webd explain cache.ttl log.level" + arguments + " --set log.level=info").out,
+                HasSubstr("  a change takes no restart\n\nlog.level = 'info'\n"
+                          "  Least severe messages that are logged. A str, one of: debug, error, info, warning.\n"
+                          "  from     the command line\n  hides    'debug'  " SAMPLE ":11:10\n  refused  'loud'  "
+                          "$WEBD_LOG_LEVEL: "));
+    EXPECT_THAT(run("$webd explain log.utc log.utx").err, HasSubstr("did you mean 'log.utc'?\n"));
+    const std::string all = run("$webd explain").out;
+    EXPECT_EQ(std::count(all.begin(), all.end(), '='), 20);
 }
 
 TEST_F(CommandLine, JudgesATextAlikeWhereverItComesFrom) {

@@ -2,31 +2,38 @@
 
 #include <velmora/utils/texts.hpp>
 
-const Response* ResponseCache::find(const std::string& path, Moment now) {
+namespace {
+
+bool may_keep(const std::string& path, const Cache& settings) {
+    return settings.enabled && !velmora::utils::is_one_of(path, settings.bypass);
+}
+
+}  // namespace
+
+const Response* ResponseCache::find(const std::string& path, const Cache& settings, Moment now) {
     const auto found = entries_.find(path);
     if (found == entries_.end()) return nullptr;
     Entry& entry = found->second;
-    if (now >= entry.stale) {
+    if (now >= entry.made + settings.ttl || !may_keep(path, settings)) {
         erase(found);
         return nullptr;
     }
-    if (settings_.policy != CachePolicy::fifo) {
+    if (settings.policy != CachePolicy::fifo) {
         leaving_.erase(entry.rank);
-        if (settings_.policy == CachePolicy::lfu) ++entry.rank.first;
+        if (settings.policy == CachePolicy::lfu) ++entry.rank.first;
         entry.rank.second = ++uses_;
         leaving_.emplace(entry.rank, found);
     }
     return &entry.response;
 }
 
-void ResponseCache::keep(const std::string& path, Response response, Moment now) {
+void ResponseCache::keep(const std::string& path, Response response, const Cache& settings,
+                         Moment now) {
     const std::uint64_t size = size_of(path, response);
-    if (!settings_.enabled || size > settings_.max_bytes ||
-        velmora::utils::is_one_of(path, settings_.bypass))
-        return;
-    while (bytes_ + size > settings_.max_bytes) erase(leaving_.begin()->second);
+    if (!may_keep(path, settings) || size > settings.max_bytes) return;
+    while (bytes_ + size > settings.max_bytes) erase(leaving_.begin()->second);
     const Rank rank = {0, ++uses_};
-    Entry entry = {std::move(response), now + settings_.ttl, rank};
+    Entry entry = {std::move(response), now, rank};
     leaving_.emplace(rank, entries_.try_emplace(path, std::move(entry)).first);
     bytes_ += size;
 }

@@ -14,18 +14,16 @@
 /// A point in time that no number of seconds goes beyond.
 using Moment = std::chrono::time_point<std::chrono::steady_clock, Seconds>;
 
-/// Responses by the path that they answer.
+/// Responses by the path that they answer. From call to call the settings may differ, and count for
+/// what is already kept as well.
 class ResponseCache {
 public:
-    /// `settings` must outlive it.
-    explicit ResponseCache(const Cache& settings) : settings_(settings) {}
-
     /// A response that is still fresh, or null. It lives until the next call.
-    const Response* find(const std::string& path, Moment now);
+    const Response* find(const std::string& path, const Cache& settings, Moment now);
 
     /// Takes in a response to a path that none is there for, if it may be kept. Where room is short,
     /// those go that the policy says.
-    void keep(const std::string& path, Response response, Moment now);
+    void keep(const std::string& path, Response response, const Cache& settings, Moment now);
 
 private:
     /// The least goes first: by uses where the policy counts them, then by age.
@@ -33,7 +31,7 @@ private:
 
     struct Entry {
         Response response;
-        Moment stale;
+        Moment made;
         Rank rank;
     };
 
@@ -44,7 +42,6 @@ private:
     }
     void erase(Entries::iterator entry);
 
-    const Cache& settings_;
     Entries entries_;
     std::map<Rank, Entries::iterator> leaving_;
     std::uint64_t bytes_ = 0;

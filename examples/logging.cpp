@@ -39,7 +39,7 @@ std::string time_text(bool utc) {
 
 }  // namespace
 
-void start_logging(const Log& settings) {
+void open_log(const Log& settings) {
     constexpr mode_t mode = 0640;
     constexpr int flags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC;
     const auto file = std::make_shared<const Descriptor>(

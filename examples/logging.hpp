@@ -4,5 +4,5 @@
 #include "settings.hpp"
 
 /// Has all loggers write to the file, or else to standard error, a line with the time for each
-/// message. Throws std::system_error when the file cannot be written to.
-void start_logging(const Log& settings);
+/// message. Throws std::system_error when the file cannot be written to, and then all stays as it was.
+void open_log(const Log& settings);

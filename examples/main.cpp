@@ -10,9 +10,9 @@
 
 #include <CLI/CLI.hpp>
 #include <velmora/app/layer.hpp>
+#include <velmora/app/live.hpp>
 #include <velmora/utils/errors.hpp>
 
-#include "logging.hpp"
 #include "refuse.hpp"
 #include "server.hpp"
 #include "set.hpp"
@@ -37,7 +37,7 @@ struct Sources {
     std::vector<std::string> sets;
 };
 
-app::Snapshot<Config> load(const Sources& sources) {
+std::vector<app::Layer> layers_of(const Sources& sources) {
     std::vector<app::Layer> layers;
     if (sources.file) {
         layers = {app::file(*sources.file)};
@@ -47,18 +47,21 @@ app::Snapshot<Config> load(const Sources& sources) {
     layers.push_back(app::environment({.prefix = "WEBD_"}));
     layers.push_back(app::credentials());
     layers.push_back(app::sets(sources.sets));
-    return schema().load(layers, {.report = print});
+    return layers;
 }
 
 // A command that does something with what is loaded.
 CLI::App& add_command(CLI::App& program, const char* name, const char* doc, Sources& sources,
-                      const std::function<void(const app::Snapshot<Config>&)>& act) {
+                      const std::function<void(app::Live<Config>&)>& act) {
     CLI::App* const command = program.add_subcommand(name, doc);
     command->add_option("--file", sources.file,
                         "YAML file to read instead of /etc/webd.yaml and /etc/webd.d/*.yaml.");
     command->add_option("--set", sources.sets, "SECTION.KEY=VALUE, over all other values.")
         ->allow_extra_args(false);
-    command->callback([&sources, act] { act(load(sources)); });
+    command->callback([&sources, act] {
+        app::Live<Config> live(schema(), layers_of(sources), {.report = print});
+        act(live);
+    });
     return *command;
 }
 
@@ -68,20 +71,17 @@ int run(int argc, char** argv) {
     int status = 0;
 
     Sources sources;
-    add_command(program, "run", "Answer requests until SIGTERM or SIGINT.", sources,
-                [](const app::Snapshot<Config>& now) {
-                    start_logging(now->log);
-                    serve(*now);
-                });
+    add_command(program, "run", "Answer requests until SIGTERM or SIGINT; reload on SIGHUP.",
+                sources, serve);
     add_command(program, "show", "Print every key, its value and where that comes from.", sources,
-                [](const app::Snapshot<Config>& now) { show(std::cout, now); });
+                [](const app::Live<Config>& live) { show(std::cout, live.now()); });
     std::vector<std::string> labels;
     add_command(program, "explain", "Print what holds for keys, and why.", sources,
-                [&labels](const app::Snapshot<Config>& now) { explain(std::cout, now, labels); })
+                [&](const app::Live<Config>& live) { explain(std::cout, live.now(), labels); })
         .add_option("keys", labels, "SECTION.KEY..., or all of them.");
     add_command(program, "check", "Say what is wrong; fail if anything is.", sources,
-                [&status](const app::Snapshot<Config>& now) {
-                    if (!now.faults().empty()) status = failed;
+                [&status](const app::Live<Config>& live) {
+                    if (!live.now().faults().empty()) status = failed;
                 });
 
     std::vector<std::string> pairs;

@@ -5,8 +5,11 @@
 #include <csignal>
 #include <future>
 #include <memory>
+#include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -17,8 +20,11 @@
 #include <velmora/utils/logging.hpp>
 
 #include "descriptor.hpp"
+#include "logging.hpp"
 #include "worker.hpp"
 
+namespace app = velmora::app;
+using velmora::config::Restart;
 using velmora::utils::Level;
 
 namespace {
@@ -31,11 +37,11 @@ velmora::utils::Logger& log() {
     throw std::system_error(errno, std::generic_category(), what);
 }
 
-// Blocks the signals that end the daemon, in later threads as well, for `::sigwait` to take.
+// Blocks the signals that are for the daemon, in later threads as well, for `::sigwait` to take.
 sigset_t signals_held() {
     sigset_t signals;
     ::sigemptyset(&signals);
-    for (const int each : {SIGTERM, SIGINT}) ::sigaddset(&signals, each);
+    for (const int each : {SIGTERM, SIGINT, SIGHUP}) ::sigaddset(&signals, each);
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     return signals;
 }
@@ -69,11 +75,11 @@ std::array<int, 2> opened_pipe() {
 // The workers, each a thread. They end when one end of a pipe is closed whose other they watch.
 class Workers {
 public:
-    Workers(const Config& config, const Descriptor& listener) : Workers(opened_pipe()) {
-        for (unsigned i = 1; i <= config.server.workers; ++i) {
-            threads_.push_back(std::async(std::launch::async, [this, &config, &listener, i] {
+    Workers(const app::Live<Config>& live, const Descriptor& listener) : Workers(opened_pipe()) {
+        for (unsigned i = 1; i <= live.now()->server.workers; ++i) {
+            threads_.push_back(std::async(std::launch::async, [this, &live, &listener, i] {
                 try {
-                    Worker(config, listener, i).run(life_);
+                    Worker(live, listener, i).run(life_);
                 } catch (...) {
                     ::kill(::getpid(), SIGTERM);
                     throw;
@@ -100,14 +106,50 @@ private:
     Descriptor end_;
 };
 
+void reopen_log(const Log& settings) {
+    try {
+        open_log(settings);
+    } catch (const std::system_error& error) {
+        log().log(Level::error, "the log stays as it was: %s", error);
+    }
+}
+
+void log_lines(Level level, std::string_view what, const std::string& text) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) log().log(level, "%s: %s", what, line);
+}
+
+// Says what must restart for what has come into effect. The log is opened anew each time, since its
+// file may have been moved away.
+Restart reload(app::Live<Config>& live) {
+    try {
+        const app::Reload reload = live.reload({.granted = Restart::worker});
+        reopen_log(live.now()->log);
+        if (!reload.pending.changes.empty())
+            log_lines(Level::info, "pending", text_of(reload.pending));
+        log_lines(Level::info, "reloaded", text_of(reload.changes));
+        return reload.changes.restart;
+    } catch (const app::LoadError& error) {
+        reopen_log(live.now()->log);
+        log_lines(Level::error, "nothing reloaded", error.message());
+        return Restart::none;
+    }
+}
+
 }  // namespace
 
-void serve(const Config& config) {
+void serve(app::Live<Config>& live) {
     const sigset_t signals = signals_held();
-    const Descriptor listener = listening(config.server);
-    Workers workers(config, listener);
-    log().log(Level::info, "listening on %s port %s", config.server.host, config.server.port);
-    int signal = 0;
-    ::sigwait(&signals, &signal);
-    workers.end();
+    const app::Snapshot<Config> start = live.now();
+    open_log(start->log);
+    const Descriptor listener = listening(start->server);
+    std::optional<Workers> workers(std::in_place, live, listener);
+    log().log(Level::info, "listening on %s port %s", start->server.host, start->server.port);
+    for (int signal = 0; ::sigwait(&signals, &signal) == 0 && signal == SIGHUP;) {
+        if (reload(live) == Restart::none) continue;
+        workers->end();
+        workers.emplace(live, listener);
+        log().log(Level::info, "the workers have restarted");
+    }
+    workers->end();
 }

@@ -1,8 +1,11 @@
 // The daemon: threads that answer HTTP requests.
 #pragma once
 
+#include <velmora/app/live.hpp>
+
 #include "settings.hpp"
 
 /// Listens, and answers requests until SIGTERM or SIGINT comes, in as many threads as there are to
-/// be workers. Throws std::system_error when it cannot listen, and what a worker ends by itself with.
-void serve(const Config& config);
+/// be workers. SIGHUP has it reload, restart the workers where that takes it, and open the log anew.
+/// Throws std::system_error when it cannot log or listen, and what a worker ends by itself with.
+void serve(velmora::app::Live<Config>& live);

@@ -74,7 +74,7 @@ app::Schema<Config> declared() {
             app::key(&Tls::ciphers, "ciphers", "Cipher suites, best first."),
         }),
         app::section(&Config::log, "log", "What is logged, and where to.",
-                     {.restart = Restart::worker}, {
+                     {.restart = Restart::none}, {
             app::key(&Log::level, "level", "Least severe messages that are logged.",
                      {.env = "WEBD_LOG_LEVEL"}),
             app::key(&Log::file, "file", "File that is logged to; standard error when empty."),

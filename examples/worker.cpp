@@ -102,15 +102,16 @@ bool Worker::exchange(Connection& connection, Moment now) {
 }
 
 bool Worker::answer(Connection& connection, Moment now) {
-    const Seconds keep_alive = config_.server.keep_alive;
     for (;;) {
         if (connection.out.empty()) {
             if (connection.ending) return true;
             std::optional<Request> request = take_request(connection.in);
             if (!request) return true;
-            request->close = request->close || keep_alive == Seconds(0);
+            const velmora::app::Snapshot<Config> config = live_.now();
+            connection.keep_alive = config->server.keep_alive;
+            request->close = request->close || connection.keep_alive == Seconds(0);
             connection.ending = request->close;
-            connection.out = answer_to(*request, now);
+            connection.out = answer_to(*request, *config, now);
         }
         const ssize_t count = ::send(connection.socket.get(), connection.out.data(),
                                      connection.out.size(), MSG_NOSIGNAL);
@@ -119,28 +120,29 @@ bool Worker::answer(Connection& connection, Moment now) {
         if (!connection.out.empty()) continue;
         if (connection.ending) ::shutdown(connection.socket.get(), SHUT_WR);
         const bool idle = connection.in.empty() && !connection.ending;
-        connection.deadline = now + (idle ? keep_alive : patience);
+        connection.deadline = now + (idle ? connection.keep_alive : patience);
     }
 }
 
-std::string Worker::answer_to(const Request& request, Moment now) {
-    const Server& server = config_.server;
+std::string Worker::answer_to(const Request& request, const Config& config, Moment now) {
+    const Server& server = config.server;
     const int status = request.status == 200 && server.maintenance ? 503 : request.status;
-    log_answer(request, status);
+    log_answer(request, status, config.log.sample_rate);
     if (status != 200)
         return wire_text(make_response(status, server.tags, "No response.\n"), request);
     const std::string path = request.target.substr(0, request.target.find('?'));
-    if (const Response* const kept = cache_.find(path, now)) return wire_text(*kept, request);
+    if (const Response* const kept = cache_.find(path, config.cache, now))
+        return wire_text(*kept, request);
     Response response = make_response(200, server.tags,
                                       "Response " + std::to_string(++made_) + " of worker " +
                                           std::to_string(number_) + ", to " + path + "\n");
     std::string text = wire_text(response, request);
-    cache_.keep(path, std::move(response), now);
+    cache_.keep(path, std::move(response), config.cache, now);
     return text;
 }
 
-void Worker::log_answer(const Request& request, int status) {
-    share_ += config_.log.sample_rate;
+void Worker::log_answer(const Request& request, int status, double sample_rate) {
+    share_ += sample_rate;
     if (share_ < 1) return;
     share_ -= 1;
     log().log(status == 200 ? Level::info : Level::warning, "%s %s %s", status, request.method,

@@ -5,15 +5,18 @@
 #include <list>
 #include <string>
 
+#include <velmora/app/live.hpp>
+
 #include "cache.hpp"
 #include "descriptor.hpp"
 #include "settings.hpp"
 
 class Worker {
 public:
-    /// Takes its connections from `listener`, which others may take theirs from, too.
-    Worker(const Config& config, const Descriptor& listener, unsigned number)
-        : config_(config), listener_(listener), number_(number), cache_(config.cache) {}
+    /// Answers each request by what is then in effect. Takes its connections from `listener`, which
+    /// others may take theirs from, too.
+    Worker(const velmora::app::Live<Config>& live, const Descriptor& listener, unsigned number)
+        : live_(live), listener_(listener), number_(number) {}
 
     /// Answers until the other end of the pipe `life` is closed. Throws std::system_error when the
     /// system is out of means.
@@ -28,6 +31,8 @@ private:
         std::string out = {};
         /// Whether it ends with what is in `out`.
         bool ending = false;
+        /// How long it is kept open after that.
+        Seconds keep_alive = {};
     };
 
     void accept_connections(Moment now);
@@ -35,10 +40,10 @@ private:
     bool exchange(Connection& connection, Moment now);
     /// Answers what has come in.
     bool answer(Connection& connection, Moment now);
-    std::string answer_to(const Request& request, Moment now);
-    void log_answer(const Request& request, int status);
+    std::string answer_to(const Request& request, const Config& config, Moment now);
+    void log_answer(const Request& request, int status, double sample_rate);
 
-    const Config& config_;
+    const velmora::app::Live<Config>& live_;
     const Descriptor& listener_;
     /// Which of the workers it is.
     unsigned number_;

@@ -167,8 +167,8 @@ TEST_F(Set, ChangesTheValuesAloneOrNothing) {
 TEST_F(Set, SaysWhatMustRestart) {
     const std::string restart = "Restart for the changes to apply: ";
     const std::pair<std::string, std::string> cases[] = {
-        {"log.utc=no server.port=81 cache.ttl=5", restart + "daemon\n"},
-        {"cache.ttl=5 log.utc=no server.port=80", restart + "worker\n"},
+        {"cache.policy=lfu server.port=81 cache.ttl=5", restart + "daemon\n"},
+        {"cache.ttl=5 cache.policy=lfu server.port=80", restart + "worker\n"},
         {"cache.ttl=5 log.utc=yes", "The changes apply without a restart.\n"},
         {"cache.ttl=300 server.port=80", "No value has changed.\n"},
     };

@@ -57,19 +57,19 @@ TEST(ResponseCache, LetsGoOfWhatThePolicySays) {
     for (const auto& [policy, gone] :
          {std::pair(CachePolicy::fifo, "a"), {CachePolicy::lru, "b"}, {CachePolicy::lfu, "c"}}) {
         const Cache settings = {.max_bytes = 30, .ttl = Seconds(5), .policy = policy, .bypass = {"x"}};
-        ResponseCache cache(settings);
-        for (const char* path : {"a", "b", "c"}) cache.keep(path, response(9), now);
-        for (const char* path : {"b", "b", "a", "c", "a"}) EXPECT_NE(cache.find(path, now), nullptr);
-        for (const char* path : {"x", "d"}) cache.keep(path, response(9), now);
-        cache.keep("y", response(30), now);
+        ResponseCache cache;
+        for (const char* path : {"a", "b", "c"}) cache.keep(path, response(9), settings, now);
+        for (const char* path : {"b", "b", "a", "c", "a"}) EXPECT_NE(cache.find(path, settings, now), nullptr);
+        for (const char* path : {"x", "d"}) cache.keep(path, response(9), settings, now);
+        cache.keep("y", response(30), settings, now);
         for (const char* path : {"a", "b", "c", "d", "x", "y"}) {
             const bool kept = std::string("dabc").find(path) != std::string::npos && std::string(gone) != path;
-            EXPECT_EQ(cache.find(path, now + Seconds(4.5)) != nullptr, kept) << gone << path;
-            EXPECT_EQ(cache.find(path, now + Seconds(5)), nullptr);
+            EXPECT_EQ(cache.find(path, settings, now + Seconds(4.5)) != nullptr, kept) << gone << path;
+            EXPECT_EQ(cache.find(path, settings, now + Seconds(5)), nullptr);
         }
         // What is stale leaves all of its room.
-        cache.keep("a", response(29), now);
-        EXPECT_EQ(cache.find("a", now)->size(), 29U);
+        cache.keep("a", response(29), settings, now);
+        EXPECT_EQ(cache.find("a", settings, now)->size(), 29U);
     }
 }
 
@@ -97,9 +97,14 @@ protected:
         const Outcome outcome = run(R"sh(bash -c '
             get() { printf "${2:-GET} $1 HTTP/1.1\r\nHost: a\r\n$3\r\n" >&3; }
             last() { get "$1" "$2" "Connection: close\r\n"; cat <&3; }
-            $webd run --set server.port=$port --set server.workers=1 $options & pid=$!
-            until (exec 3<>/dev/tcp/127.0.0.1/$port) 2>/dev/null || ! kill -0 $pid; do sleep 0.01; done
-            (exec 3<>/dev/tcp/127.0.0.1/$port; eval "$script") | tr -d "\r" |
+            ask() { get "$1"; while read -r line <&3; do echo "$line"; [[ $line != *esponse* ]] || break; done; }
+            connect() { exec 3<>/dev/tcp/127.0.0.1/$port; }
+            await() { until grep -s "$1" $2 || ! kill -0 $pid; do sleep 0.01; done; }
+            hup() { mv log old; echo "$1" >f.yaml; kill -HUP $pid; await loaded log; }
+            : >f.yaml
+            $webd run --file f.yaml --set server.port=$port --set server.workers=1 $options & pid=$!
+            until (connect) 2>/dev/null || ! kill -0 $pid; do sleep 0.01; done
+            (connect; eval "$script") | tr -d "\r" |
                 grep -E "^(HTTP|X-|Conn|Allow|Resp)" | sed "s/ of .*, to//" | tr "\n" "|"
             kill -$signal $pid; wait $pid')sh");
         return outcome.out + std::to_string(outcome.status);
@@ -108,30 +113,51 @@ protected:
 
 TEST_F(Serve, AnswersUntilASignalComes) {
     const std::string ok = "HTTP/1.1 200 OK|", close = "Connection: close|", tags = "X-Tag: a|X-Tag: b|";
-    const std::string log = "sed s/^[^+]*/X-/ log | grep -v listening";
+    const std::string log = "sed s/^[^+]*/X-/ log | grep -v listening", to_log = "--set log.file=log";
+    const std::string unavailable = "HTTP/1.1 503 Service Unavailable|";
     const std::tuple<std::string, std::string, std::string> cases[] = {
         {"--set server.tags=a,b", "get /x; get /x?y; get /health; last /health",
          ok + tags + "Response 1 /x|" + ok + tags + "Response 1 /x|" + ok + tags + "Response 2 /health|" + ok + tags +
              close + "Response 3 /health|0"},
         {"--set cache.enabled=0", "get /; last /", ok + "Response 1 /|" + ok + close + "Response 2 /|0"},
-        {"--set server.maintenance=1", "last /", "HTTP/1.1 503 Service Unavailable|" + close + "0"},
+        {"--set server.maintenance=1", "last /", unavailable + close + "0"},
         {"--set server.keep_alive=0", "get /; cat <&3", ok + close + "Response 1 /|0"},
         {"--set server.keep_alive=0.1", "get /; cat <&3", ok + "Response 1 /|0"},
         {"", "get / POST; cat <&3", "HTTP/1.1 405 Method Not Allowed|Allow: GET, HEAD|" + close + "0"},
         {"", "last / HEAD", ok + close + "0"},
         {"", "echo >&3; get /; cat <&3", "HTTP/1.1 400 Bad Request|" + close + "0"},
-        {"--set log.file=log --set log.utc=0 --set log.sample_rate=0.5", "get /a; get /b; get /c; last /d; " + log,
+        {to_log + " --set log.utc=0 --set log.sample_rate=0.5", "get /a; get /b; get /c; last /d; " + log,
          ok + "Response 1 /a|" + ok + "Response 2 /b|" + ok + "Response 3 /c|" + ok + close +
              "Response 4 /d|X-+0200 info 200 GET /b|X-+0200 info 200 GET /d|0"},
         {"--set log.file=l --set log.level=warning", "get /a; last / POST >o; sed s/^[^+]*/X-/ l",
          "X-+0000 warning 405 POST /|0"},
         {"", "$webd run --set server.port=$port; echo X-$?", "X-1|0"},
+        {to_log + " --set server.workers=3", "await listening log; echo X-$(ls /proc/$pid/task | wc -l)", "X-4|0"},
+        // What it reloads: at once for the next request, with the workers, after a restart or not at all.
+        {to_log,
+         "ask /; hup 'cache: {bypass: [/]}'; ask /; hup cache:; ask /; ask /; hup 'cache: {ttl: 1e-9}'; ask /; "
+         "hup 'server: {maintenance: 1}'; last /",
+         ok + "Response 1 /|" + ok + "Response 2 /|" + ok + "Response 3 /|" + ok + "Response 3 /|" + ok +
+             "Response 4 /|" + unavailable + close + "0"},
+        {to_log, "ask /; hup 'server: {tags: [a, b]}'; cat <&3; connect; last /",
+         ok + "Response 1 /|" + ok + tags + close + "Response 1 /|0"},
+        {to_log, "hup '{log: {utc: 0}, server: {host: 0.0.0.0}}'; " + log + "; last /",
+         "X-+0200 info pending: server.host: '127.0.0.1' -> '0.0.0.0', takes a restart of the daemon|"
+         "X-+0200 info reloaded: log.utc: True -> False, takes no restart|" +
+             ok + close + "Response 1 /|0"},
+        {to_log, "hup 'server: {maintenance: 1, prot: 8}'; " + log + "; ask /; hup 'server: {maintenance: 1}'; last /",
+         "X-+0000 error nothing reloaded: f.yaml:1:26: error: Refusing server.prot in f.yaml: there is no such key; "
+         "did "
+         "you mean 'port'?|" +
+             ok + "Response 1 /|" + unavailable + close + "0"},
+        {to_log, "mv log l; mkdir log; kill -HUP $pid; await stays l | sed s/^[^+]*/X-/",
+         "X-+0000 error the log stays as it was: log: Is a directory|0"},
     };
     for (const auto& [options, script, answers] : cases)
         EXPECT_EQ(served(options, script), answers) << options << script;
     EXPECT_EQ(served("", "last /", "INT"), ok + close + "Response 1 /|0");
     // A worker that cannot go on ends the daemon.
-    EXPECT_EQ(served("", "get /; read <&3; prlimit -p $pid -n5; exec 3<>/dev/tcp/127.0.0.1/$port; cat <&3", "0"), "1");
+    EXPECT_EQ(served("", "get /; read <&3; prlimit -p $pid -n5; connect; cat <&3", "0"), "1");
 }
 
 }  // namespace

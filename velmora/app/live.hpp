@@ -32,12 +32,12 @@ namespace velmora::app {
 /// Is told by a reload what has come into effect of what it subscribes to.
 using Subscriber = std::function<void(const Plan& changes)>;
 
-/// Keeps a subscriber subscribed as long as it lives. It may outlive what it is to.
+/// Keeps a subscriber subscribed as long as it lives, which may be longer than the values do.
 class VELMORA_EXPORT Subscription {
 public:
     Subscription(Subscription&&) noexcept = default;
     Subscription& operator=(Subscription&& other) noexcept;
-    /// Waits until the subscriber is not running, unless it is itself that ends its subscription.
+    /// Waits for a subscriber that is running, unless it is the one that ends its subscription.
     ~Subscription();
 
 private:
@@ -88,6 +88,8 @@ public:
     explicit Live(const Schema<Config>& schema, std::vector<Layer> layers, LoadOptions options = {})
         : values_(schema.declaration(), std::move(layers), std::move(options)) {}
 
+    /// Those in effect; they live as long as the snapshot does, so a loop over a list keeps it in a
+    /// variable.
     Snapshot<Config> now() const {
         return Snapshot<Config>([this] { return values_.now(); });
     }

@@ -101,7 +101,8 @@ void log_fault(const Fault& fault, bool with_place) {
     static utils::Logger& component = utils::logger("velmora.config.spec");
     static utils::Logger& own = utils::logger("velmora.app");
     (is_of_component(fault) ? component : own)
-        .warning("%s", with_place ? one_line(fault) : fault.message);
+        .log(fault.severity == Severity::error ? utils::Level::error : utils::Level::warning, "%s",
+             with_place ? one_line(fault) : fault.message);
 }
 
 LoadError::LoadError(std::vector<Fault> faults)

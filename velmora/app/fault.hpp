@@ -83,8 +83,9 @@ VELMORA_EXPORT std::ostream& operator<<(std::ostream& out, const Fault& fault);
 /// Whether the component itself would warn of it.
 VELMORA_EXPORT bool is_of_component(const Fault& fault) noexcept;
 
-/// Logs the fault on one line as a warning, behind its place if that is wanted: what the component
-/// itself would warn of to velmora.config.spec, everything else to velmora.app.
+/// Logs the fault on one line, as the warning or the error that it is, behind its place if that is
+/// wanted: what the component itself would warn of to velmora.config.spec, everything else to
+/// velmora.app.
 VELMORA_EXPORT void log_fault(const Fault& fault, bool with_place = true);
 
 /// Values that cannot come into effect. Its message has a line for every fault.

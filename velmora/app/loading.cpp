@@ -34,7 +34,8 @@ void add_missing_files(const std::vector<std::string>& before, Values::Data& dat
              .severity = Severity::error,
              .key = {},
              .source = path,
-             .message = utils::one_line(path) + ": is gone or empty, which it was not before"});
+             .message = utils::one_line(path) + ": is gone or empty, which it was not before",
+             .note = "to do without its values, leave a comment in it, or restart"});
     }
 }
 

@@ -7,7 +7,8 @@
 namespace velmora::app {
 
 struct ReloadOptions {
-    /// The most that the caller restarts afterwards: what takes no more comes into effect.
+    /// The most that the caller restarts afterwards. What takes no more comes into effect, for those
+    /// as well that are not restarted yet.
     config::Restart granted = config::Restart::none;
     /// Whether warnings are to stand in the way no more than at a start, and weaker values or
     /// defaults to take the place of refused ones. Errors always do.

@@ -35,10 +35,14 @@ void load(const std::vector<std::string>& pairs) {
 #include "readme_2.inc"
 }
 
-// An operator edits the file and sends the signal.
-void wait_for(int) {
+// An operator edits the file and has it reloaded, then ends the program.
+int wait_for_signal() {
+    static int signals = 0;
+    if (signals++ > 0) return SIGTERM;
     std::ofstream("app.yaml") << block("yaml", 2);
+    return SIGHUP;
 }
+void restart_workers() {}
 
 void live() {
 #include "readme_3.inc"

@@ -21,7 +21,8 @@ struct Part {
     int none = 0;
     int worker = 0;
     int daemon = 9;
-    std::vector<std::string> tags;
+    std::vector<std::string> nones;
+    std::optional<int> limit;
     std::string token;
 };
 struct Config {
@@ -37,12 +38,13 @@ const app::Schema<Config>& schema() {
                              app::key(&Part::none, "none", "Nothing.", {.restart = Restart::none, .formerly = {"old"}}),
                              app::key(&Part::worker, "worker", "Worker.", {.restart = Restart::worker}),
                              app::key(&Part::daemon, "daemon", "Daemon."),
-                             app::key(&Part::tags, "tags", "Tags.", {.restart = Restart::none}),
+                             app::key(&Part::nones, "nones", "As many.", {.restart = Restart::none}),
+                             app::key(&Part::limit, "limit", "Limit."),
                              app::required(&Part::token, "token", "Token.", {.secret = true}),
                          }),
             app::raw(&Config::r, "r", "Read as a whole.", {.restart = Restart::worker}),
         }
-            .check({"s.none", "s.daemon"},
+            .check({"s.daemon", "s.none"},
                    [](const Config& config) { return config.s.none > config.s.daemon ? "too much" : ""; });
     return schema;
 }
@@ -56,12 +58,6 @@ std::string brief(const app::Plan& plan) {
 // A running program and the files that it reads.
 class Running : public testing::Test {
 protected:
-    Running() {
-        put("a", "s: {none: 1, daemon: 5}\nr: [1]");
-        put("d/1.yaml", "s: {worker: 1}");
-        put("c/s.token", "t0ken");
-    }
-
     // Null for none, "/" for what cannot be read.
     void put(const std::string& file, const char* content) const {
         folder.remove(file);
@@ -89,6 +85,11 @@ protected:
 
     app::Live<Config>& live() const { return *live_; }
     void start() {
+        put("a", "s: {none: 1, daemon: 5}\nr: [1]");
+        put("d", nullptr);
+        put("d/1.yaml", "s: {worker: 1}");
+        put("c/s.token", "t0ken");
+        put("c/s.nones", "x");
         live_.emplace(schema(),
                       std::vector{app::file(folder.path("a"), {.optional = true}), app::directory(folder.path("d")),
                                   app::credentials({.directory = folder.path("c")})},
@@ -108,7 +109,10 @@ TEST_F(Running, ReloadsPutIntoEffectWhatTheyMay) {
     const char* const changed = "s: {none: 2, daemon: 6}\nr: [2]";
     const char* const both_6 = "s: {none: 6, daemon: 6}";
     const char* const daemon_0 = "s: {none: 1, daemon: 0}";
-    const std::string too_much = "\na:1:11: error: s.none, s.daemon: too much (";
+    const std::string too_much = "s.daemon, s.none: too much (", at_none = "\na:1:11: error: " + too_much,
+                      at_daemon = "\na:1:22: error: " + too_much;
+    const std::string restart_fails =
+        "115[1] none | daemon s.daemon:5>0 r:(secret)>None\na:1:22: A restart would fail: " + too_much + "*";
     struct Row {
         const char* file;
         const char* content;
@@ -122,46 +126,52 @@ TEST_F(Running, ReloadsPutIntoEffectWhatTheyMay) {
         {"a", changed, {daemon}, "216[2] daemon s.none:1>2 s.daemon:5>6 r:(secret)>(secret) | none"},
         {"a", "s: {none: 1}", {none}, "115[1] none | daemon s.daemon:5>9 r:(secret)>None"},
         {"a", "s: {none: 1, daemon: 5, worker: 3}\nr: [1]", {daemon}, "115[1] none | none"},
+        {"a", "s: {none: 1, daemon: 5, limit: 3}\nr: [1]", {none}, "115[1] none | daemon s.limit:None>3"},
+        {"a", "s: {none: 1, daemon: 5}\nr: [1.0]", {none}, "115[1] none | worker r:(secret)>(secret)"},
         {"c/s.token", "0ther", {none}, "115[1] none | daemon s.token:(secret)>(secret)"},
         {"c/s.token", "0ther", {daemon}, "115[1] daemon s.token:(secret)>(secret) | none"},
 
         {"a", "s: {none: x, daemon: 6}", {daemon}, "\na:1:11: error: Refusing s.none in a: Cannot set *"},
         {"a", "s: [1]", {daemon}, "\na:1:4: error: Refusing the s section of a: it is not a mapping"},
         {"a", "s: {nome: 2}", {daemon}, "\na:1:5: error: Refusing s.nome in a: there is no such key; *"},
-        {"a", "s: {old: 2, daemon: 6}", {daemon}, "\na:1:5: s.old in a is called s.none now: rename it"},
+        {"a", "s: {old: 2, daemon: 6}", {daemon}, "\na:1:5: error: s.old in a is called s.none now: rename it"},
         {"a", "[1]", {daemon}, "\na:1:1: error: Refusing a: it is a list, not a mapping of sections"},
         {"a", "s: {", {daemon}, "\na:1:5: error: *"},
         {"a", "/", {daemon}, "\nerror: a: cannot be read: Is a directory"},
         {"d/2.yaml", "/", {daemon}, "\nerror: Refusing d/2.yaml: it is no file"},
         {"d", "x", {daemon}, "\nerror: d: cannot be read: Not a directory"},
         {"c/s.token", "", {daemon}, "\nerror: s.token must be given a value: Token.\nerror: c/s.token: is gone *"},
-        {"a", both_6, {none}, too_much + "s.none is 6 from a:1:11, s.daemon is 5 until a restart)"},
+        {"a", both_6, {none}, at_none + "s.daemon is 5 until a restart, s.none is 6 from a:1:11)"},
         {"a", both_6, {daemon}, "616None daemon s.none:1>6 s.daemon:5>6 r:(secret)>None | none"},
-        {"a", daemon_0, {none}, "115[1] none | daemon s.daemon:5>0 r:(secret)>None"},
-        {"a", daemon_0, {daemon}, too_much + "s.none is 1 from a:1:11, s.daemon is 0 from a:1:22)"},
+        {"a", daemon_0, {none}, restart_fails},
+        {"a", daemon_0, {daemon}, at_daemon + "s.daemon is 0 from a:1:22, s.none is 1 from a:1:11)"},
 
         {"a", nullptr, {daemon}, "\nerror: a: is gone or empty, which it was not before (to *"},
         {"a", "", {daemon}, "\nerror: a: is gone or empty, which it was not before (to do without its values, leave *"},
         {"a", "#", {none}, "015[1] none s.none:1>0 | daemon s.daemon:5>9 r:(secret)>None"},
         {"d/1.yaml", nullptr, {daemon}, "\nerror: d/1.yaml: is gone or empty, which it was not before (to *"},
         {"d", nullptr, {daemon}, "\nerror: d/1.yaml: is gone or empty, which it was not before (to *"},
+        {"c/s.nones", nullptr, {daemon}, "\nerror: c/s.nones: is gone *"},
+        {"c/s.nones", "\r\n", {daemon}, "\nerror: c/s.nones: is gone *"},
+        {"a", "s: {nome: 2}", gone, "\na:1:5: error: Refusing *"},
+        {"d/1.yaml", "/", faulty, "\nIgnoring d/1.yaml: it is no file\nerror: d/1.yaml: is gone *"},
         {"d", nullptr, faulty, "\nerror: d/1.yaml: is gone or empty, which it was not before (to *"},
         {"c/s.token", nullptr, gone, "\nerror: s.token must be given a value: Token."},
         {"a", nullptr, gone, "015[1] none s.none:1>0 | daemon s.daemon:5>9 r:(secret)>None"},
         {"d", nullptr, gone, "115[1] none | worker s.worker:1>0"},
 
-        {"a", "s: {none: x, tags: 1}", faulty,
-         "015[1] none s.none:1>0 | daemon s.daemon:5>9 r:(secret)>None\na:1:11: Ignoring s.none in a: *"},
+        {"a", "s: {none: x, daemon: x}", faulty,
+         "015[1] none s.none:1>0 | daemon s.daemon:5>9 r:(secret)>None\na:1:11: Ignoring s.none in a: Cannot set "
+         "s.none='x': expected int (expected a decimal integer, got 'x'); keeping the default 0 (s.none is an integer "
+         "from "
+         "-2147483648 to 2147483647)\na:1:22: Ignoring s.daemon in a: Cannot set s.daemon='x': expected int (expected "
+         "a decimal integer, got 'x'); keeping 5 until a restart *"},
         {"a", "s: {old: 2, daemon: 5}\nr: [1]", faulty,
          "215[1] none s.none:1>2 | none\na:1:5: s.old in a is called s.none now: rename it"},
         {"a", "s: {", faulty, "\na:1:5: error: *"},
-        {"a", both_6, faulty, too_much + "*"},
+        {"a", both_6, faulty, at_none + "*"},
     };
     for (const auto& [file, content, options, expected] : rows) {
-        for (const char* each : {"a", "d", "c/s.token"}) put(each, nullptr);
-        put("a", "s: {none: 1, daemon: 5}\nr: [1]");
-        put("d/1.yaml", "s: {worker: 1}");
-        put("c/s.token", "t0ken");
         start();
         put(file, content);
         const std::string all = (expected.front() == '\n' ? "115[1]" : "") + expected;
@@ -171,7 +181,8 @@ TEST_F(Running, ReloadsPutIntoEffectWhatTheyMay) {
         } else {
             EXPECT_EQ(came, all);
         }
-        EXPECT_THAT(came, testing::Not(testing::HasSubstr("0ther")));
+        for (const app::Explanation& each : explain(live().now().values())) printed += text_of(each);
+        EXPECT_THAT(printed, testing::Not(testing::HasSubstr("0ther")));
     }
 }
 
@@ -183,13 +194,18 @@ TEST_F(Running, KeepsWhatIsPendingUntilItHolds) {
     const auto path = [this](const char* name) { return folder.path(name); };
     put("a", "s: {none: 1, daemon: 6}");
     EXPECT_EQ(reload(), "115[1] none | daemon s.daemon:5>6 r:(secret)>None");
-    EXPECT_EQ(daemon(), head + "  from     " + path("a:1:22") + "\n  pending  6  " + path("a:1:22") + "\n" + tail);
+    EXPECT_EQ(daemon(), head + "  from     " + path("a:1:22") + ", as it was read before\n  pending  6  " +
+                            path("a:1:22") + "\n" + tail);
     put("a", "s: {nome: 1}");
+    put("d/1.yaml", nullptr);
     EXPECT_THAT(reload(), testing::HasSubstr("Refusing"));
+    EXPECT_THAT(reload({.despite_faults = true}), testing::HasSubstr("d/1.yaml: is gone"));
+    put("d/1.yaml", "s: {worker: 1}");
     EXPECT_EQ(brief(pending(live().now().values())), "daemon s.daemon:5>6 r:(secret)>None");
     put("a", nullptr);
     EXPECT_EQ(reload({.despite_missing_files = true}), "015[1] none s.none:1>0 | daemon s.daemon:5>9 r:(secret)>None");
-    EXPECT_EQ(daemon(), head + "  from     " + path("a:1:22") + "\n  pending  9  the default\n" + tail);
+    EXPECT_EQ(daemon(),
+              head + "  from     " + path("a:1:22") + ", as it was read before\n  pending  9  the default\n" + tail);
     EXPECT_EQ(reload(), "015[1] none | daemon s.daemon:5>9 r:(secret)>None");
     put("a", "s: {daemon: 5}\nr: [1]");
     EXPECT_EQ(reload(), "015[1] none | none");
@@ -200,50 +216,77 @@ TEST_F(Running, KeepsWhatIsPendingUntilItHolds) {
 TEST_F(Running, TellsThoseWhoSubscribe) {
     start();
     std::string told;
-    std::optional<app::Subscription> of_worker;
-    const auto telling = [&](const std::string& name, const std::string& also = "") {
-        return live().on_change(also.empty() ? name : also,
-                                [&told, name](const app::Plan& plan) { told += name + "<" + brief(plan) + "> "; });
+    velmora::utils::set_sink(
+        [&](const velmora::utils::LogRecord& record) { told += record.logger() + ":" + record.message() + " "; });
+    const auto telling = [&](const std::string& name, const std::string& to) {
+        return live().on_change(to, [&told, name](const app::Plan& plan) { told += name + "<" + brief(plan) + "> "; });
     };
-    const app::Subscription of_section = telling("s"), of_key = telling("s.none"), of_raw = telling("r");
-    std::optional ended = telling("ended", "s");
-    app::Subscription replaced = telling("replaced", "s.none");
+    const app::Subscription of_section = telling("s", "s"), of_key = telling("none", "s.none"),
+                            of_raw = telling("r", "r");
+    app::Subscription of_worker, ended, replaced = telling("replaced", "s.none");
     replaced = telling("new", "s.none");
     of_worker = live().on_change("s.worker", [&](const app::Plan&) {
         told += in_effect() + outcome([&] { return brief(live().reload().changes); }) + " ";
-        of_worker.reset();
-        ended.reset();
+        of_worker = {};
+        ended = {};
     });
+    ended = telling("ended", "s");
     put("a", "s: {none: 2, daemon: 6}");
     put("d/1.yaml", "s: {worker: 2}");
     EXPECT_EQ(reload(), "215[1] none s.none:1>2 | daemon s.worker:1>2 s.daemon:5>6 r:(secret)>None");
-    EXPECT_EQ(told, "s<none s.none:1>2> s.none<none s.none:1>2> ended<none s.none:1>2> new<none s.none:1>2> ");
+    EXPECT_EQ(told, "s<none s.none:1>2> none<none s.none:1>2> new<none s.none:1>2> ended<none s.none:1>2> ");
     told.clear();
     EXPECT_EQ(reload({Restart::worker}), "225None worker s.worker:1>2 r:(secret)>None | daemon s.daemon:5>6");
     EXPECT_EQ(told,
-              "s<worker s.worker:1>2> r<worker r:(secret)>None> ended<worker s.worker:1>2> "
+              "s<worker s.worker:1>2> r<worker r:(secret)>None> "
               "225Noneanother error: a reload cannot be made within a reload ");
     told.clear();
-    put("d/1.yaml", "s: {worker: 3}");
+    put("c/s.nones", "x, y");
     const app::Subscription failing =
-        live().on_change("s.worker", [](const app::Plan&) { throw std::runtime_error("first"); });
-    const app::Subscription next = live().on_change("s", [](const app::Plan&) { throw std::runtime_error("second"); });
-    const app::Subscription last = telling("last", "s");
-    EXPECT_EQ(outcome([this] { return reload({Restart::worker}); }), "another error: first");
-    EXPECT_EQ(in_effect() + told,
-              "235None"
-              "s<worker s.worker:2>3> last<worker s.worker:2>3> ");
-    EXPECT_EQ(reload({Restart::worker}), "235None none | daemon s.daemon:5>6");
+        live().on_change("s.nones", [](const app::Plan&) { throw std::runtime_error("no"); });
+    const app::Subscription worse = live().on_change("s.nones", [](const app::Plan&) { throw 1; });
+    const app::Subscription last = telling("last", "s.nones");
+    EXPECT_EQ(reload(), "225None none s.nones:['x']>['x', 'y'] | daemon s.daemon:5>6");
+    EXPECT_EQ(told,
+              "s<none s.nones:['x']>['x', 'y']> velmora.app:A subscriber to s.nones has failed: no "
+              "velmora.app:A subscriber to s.nones has failed: it has thrown what is no exception "
+              "last<none s.nones:['x']>['x', 'y']> ");
+    velmora::utils::set_sink(nullptr);
     for (const char* name : {"t", "s.non", "r.x"})
-        EXPECT_THAT(outcome([&] { return telling(name), ""; }), testing::HasSubstr("ConfigKeyError"));
+        EXPECT_THAT(outcome([&] { return telling("", name), ""; }), testing::HasSubstr("ConfigKeyError"));
+    EXPECT_THAT(outcome([&] { return ended = live().on_change("s", nullptr), ""; }), testing::HasSubstr("TypeError"));
     start();
 }
 
+TEST_F(Running, ThreadsThatEndASubscriptionWaitForIt) {
+    start();
+    std::atomic<bool> told = false, waited = false;
+    auto owned = std::make_shared<int>();
+    const std::weak_ptr<int> left = owned;
+    app::Subscription subscription;
+    std::thread ending;
+    subscription = live().on_change("s", [&, owned = std::move(owned)](const app::Plan&) {
+        ending = std::thread([&] {
+            subscription = {};
+            waited = told && left.expired();
+        });
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        told = true;
+    });
+    put("a", "s: {none: 2}");
+    reload();
+    ending.join();
+    EXPECT_TRUE(waited);
+}
+
 TEST_F(Running, ThreadsReadReloadAndSubscribeAtOnce) {
+    start();
+    put("c/s.nones", nullptr);
     // Twice the same number, and a fault that is logged.
     const auto put_number = [this](int number) {
-        const std::string tags = velmora::test::repeated("x,", number);
-        folder.write("new", "nothing: 1\ns: {none: " + std::to_string(number) + ", daemon: 99, tags: [" + tags + "]}");
+        const std::string nones = velmora::test::repeated("x,", number);
+        folder.write("new",
+                     "nothing: 1\ns: {none: " + std::to_string(number) + ", daemon: 99, nones: [" + nones + "]}");
         std::filesystem::rename(folder.path("new"), folder.path("a"));
     };
     const app::ReloadOptions options = {.despite_faults = true};
@@ -264,7 +307,7 @@ TEST_F(Running, ThreadsReadReloadAndSubscribeAtOnce) {
             int before = read;
             const app::Snapshot<Config> now = live.now();
             EXPECT_GE(now->s.none, before);
-            EXPECT_EQ(now->s.tags.size(), static_cast<std::size_t>(now->s.none));
+            EXPECT_EQ(now->s.nones.size(), static_cast<std::size_t>(now->s.none));
             while (before < now->s.none && !read.compare_exchange_weak(before, now->s.none)) {
             }
         });

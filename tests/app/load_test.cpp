@@ -448,7 +448,7 @@ TEST(Layers, ShowSecretsNowhere) {
         config_of({key(int_type, 7, "A"),
                    key(list_of(str_type), List{secret}, "B"),
                    {int_type, setting(1, "Open.")},
-                   {int_type, optional(with_traits(setting(nullptr, "Doc."), {.secret = true}))}}));
+                   {int_type, optional(with_traits(setting(nullptr, "Doc."), {.secret = true, .formerly = {"x"}}))}}));
     const RecordType open("Open", {{"a", int_type, setting(1, "Doc.")}, {"b", int_type, setting(1, "Doc.")}});
     const RecordType half("Half", {{"a", int_type, setting(1, "Doc.")},
                                    {"b", int_type, key(int_type, 7, "A").second},
@@ -471,6 +471,7 @@ TEST(Layers, ShowSecretsNowhere) {
         "s: {a: '" + secret,
         "s:\n  a: |\n    " + secret + "\n   b",
         "t: {a: " + secret + "}",
+        "s: {a: !" + secret + " x}",
     };
     std::ostringstream out;
     const auto print = [&](const Fault& fault) {
@@ -486,13 +487,15 @@ TEST(Layers, ShowSecretsNowhere) {
     };
     for (const std::string& yaml : broken)
         try_to(declaration, {text(yaml, "f"), text("s: {b: [" + secret + "], c: y, d: " + secret + "}", "g")});
-    try_to(sections, {text("s: " + secret, "f")});
+    try_to(sections, {text("s: " + secret, "f"), text("r: b " + secret, "g")});
     const Values whole = sections.load({text("h: {a: 1, b: " + secret + "}", "f")});
     const auto& in_h = whole.raw("h").value().get<Mapping>();
     out << whole.raw("h").fault(in_h, *in_h.begin(), "?");
     EXPECT_THAT(load(declaration, {text("s: {c: [1,\n 2]}", "f")}).printed, testing::Not(HasSubstr("^")));
-    try_to(declaration, {environment({.variables = {{{"A", secret}, {"B_FILE", folder.path("missing")}}}}),
-                         sets({"s.a=" + secret, "s.b=" + secret})});
+    try_to(declaration,
+           {environment({.variables = {{{"A", secret}, {"B_FILE", folder.path("missing")}}}}),
+            sets({"s.a=" + secret, "s.b=" + secret, "s.a:" + secret, "s.a:" + secret + "=", "s.x=" + secret})});
+    try_to(declaration, {environment({.variables = {{{"A_FILE", secret}}}})});
     try_to(declaration, {credentials({.directory = folder.path("")}), text("s: {c: x}", "f")});
     try_to(checked, {text("s: {a: 1, b: [" + secret + "]}", "f")});
     const auto silent = LoadOptions{.report = [](const Fault&) {}};
@@ -510,14 +513,21 @@ TEST(Layers, ShowSecretsNowhere) {
     EXPECT_THAT(out.str(), HasSubstr("    1 |        x\n      |        ^\n"));
     const Loaded unread = load(declaration, {environment({.variables = {{{"A_FILE", folder.path("no\x1b")}}}})});
     EXPECT_EQ(unread.keys, std::vector<std::string>{"s.a"});
-    EXPECT_EQ(unread.faults.front(),
-              "error: " + folder.path("no\\x1b") + ": cannot be read: No such file or directory");
+    EXPECT_EQ(unread.faults.front(), "error: $A_FILE: its file cannot be read: No such file or directory");
     const Loaded from_file = load(declaration, {environment({.variables = {{{"A_FILE", folder.path("file")}}}})});
     EXPECT_EQ(display((*from_file.values)["s.a"]), "1");
     const Loaded both =
         load(declaration, {environment({.variables = {{{"A", "2"}, {"A_FILE", folder.path("file")}, {"S_C", "x"}}}})});
     EXPECT_EQ(display((*both.values)["s.a"]), "2");
     EXPECT_THAT(both.faults, ElementsAre("Ignoring s.a from $A_FILE: $A is given as well; keeping (secret) from $A"));
+    folder.write("empty", "\n");
+    for (const auto& [path, value] : {std::pair("file", "1"), {"empty", "None"}}) {
+        const Loaded old =
+            load(declaration, {environment({.prefix = "W_", .variables = {{{"W_S_X_FILE", folder.path(path)}}}})});
+        EXPECT_EQ(display((*old.values)["s.d"]), value);
+        EXPECT_EQ(utils::joined(old.faults),
+                  *value == '1' ? "$W_S_X_FILE in the environment is called s.d now: rename it" : "");
+    }
 }
 
 std::string random_text(std::mt19937& random) {
@@ -626,6 +636,13 @@ TEST(Explanations, SayWhatHoldsAndWhy) {
     EXPECT_EQ(all.restart, Restart::none);
     EXPECT_EQ(plan(now, load({text("hosts: 1", "f")})).restart, Restart::daemon);
     EXPECT_EQ(text_of(plan(now, now)), "Nothing changes.\n");
+    const auto named = [&](char last) {
+        return load({text("server: {name: " + test::repeated("n", 99) + last + "}", "f")});
+    };
+    const Plan further = plan(named('a'), named('b'));
+    EXPECT_THAT(text_of(further), testing::EndsWith("nnn... (further on), takes a restart of the daemon\n"));
+    EXPECT_EQ(further.changes[0].after, display(named('b')["server.name"]));
+    EXPECT_THAT(text_of(explain(named('a'), "server.name")), HasSubstr("nnn...\n  Name."));
     EXPECT_THROW(plan(now, Declaration(config_of({})).load({})), ValueError);
 }
 

@@ -49,13 +49,6 @@ Declaration::Data::Data(const config::RecordType& config_type)
     }
 }
 
-bool Declaration::Data::has_secrets(std::size_t section) const {
-    const auto first = keys_.begin() + static_cast<std::ptrdiff_t>(first_keys_[section]);
-    const auto count = static_cast<std::ptrdiff_t>(sections_[section].keys().size());
-    return std::any_of(first, first + count,
-                       [](const JudgedKey& key) { return key.traits().secret; });
-}
-
 std::size_t Declaration::Data::find_section(std::string_view name) const {
     const auto found = sections_by_name_.find(name);
     return found != sections_by_name_.end() ? found->second : none;

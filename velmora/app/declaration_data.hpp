@@ -29,7 +29,6 @@ public:
 
     /// Whether there is a secret among the keys.
     bool has_secrets() const noexcept { return has_secrets_; }
-    bool has_secrets(std::size_t section) const;
 
     /// The position of the section of this name, or of the key with this label; `none` for none.
     static constexpr std::size_t none = static_cast<std::size_t>(-1);

@@ -111,8 +111,7 @@ void Intake::take_section(const Document& in, std::size_t section, const Mapping
         Fault& fault = add_fault(
             FaultKind::section_no_mapping, name, *in.name,
             ignoring() + "the " + name + " section of " + named(in) + ": it is not a mapping");
-        place(fault, in.places.get(), in.value_span(top, entry),
-              declaration().has_secrets(section));
+        place(fault, in.places.get(), in.value_span(top, entry), declaration().has_secrets());
         return;
     }
     const std::size_t first = declaration().first_key(section);

@@ -53,25 +53,28 @@ public:
             for (const std::string& name : names) ++users[name];
         }
         for (std::size_t i = 0; i < keys.size(); ++i) {
-            bool given = false;
-            const std::vector<std::string>& names = all_names[i];
-            for (const std::string& name : names) {
+            Turn turn = {intake, i};
+            for (const std::string& name : all_names[i]) {
+                const bool old = &name != &all_names[i].front();
                 if (users[name] > 1) add_ambiguous(intake, keys[i], name);
-                const std::string* const text = find(name);
-                if (text == nullptr) continue;
-                if (&name != &names.front())
-                    intake.add_old_name(i, "$" + name, "$" + name, "the environment", given);
-                if (!given)
-                    intake.take_text(i, *text, source_named("$" + name),
-                                     {.note = note_on(keys[i], *text)});
-                given = true;
+                if (const std::string* const text = find(name)) take(turn, "$" + name, *text, old);
+                if (!keys[i].traits().secret) continue;
+                if (const std::string* const path = find(name + "_FILE"))
+                    take_file(turn, "$" + name + "_FILE", *path, old);
             }
-            if (keys[i].traits().secret && !names.empty())
-                take_file(intake, i, names.front(), given);
         }
     }
 
 private:
+    // A key that is given its value.
+    struct Turn {
+        Intake& intake;
+        std::size_t key;
+        std::string given_by = {};  // Of its variables the first that is there.
+
+        const JudgedKey& judged() const { return intake.declaration().keys()[key]; }
+    };
+
     // The variables of a key: the one of its name first, then those of its old ones.
     std::vector<std::string> names_of(const JudgedKey& key) const {
         const auto& own = key.key().setting().env();
@@ -95,17 +98,25 @@ private:
                              " and for another key: name another variable for it");
     }
 
+    static void take(Turn& turn, const std::string& variable, const std::string& text, bool old) {
+        const bool given = !turn.given_by.empty();
+        if (old) turn.intake.add_old_name(turn.key, variable, variable, "the environment", given);
+        if (given) return;
+        turn.intake.take_text(turn.key, text, source_named(variable),
+                              {.note = note_on(turn.judged(), text)});
+        turn.given_by = variable;
+    }
+
     // A secret may be in a file that another variable names.
-    void take_file(Intake& intake, std::size_t key, const std::string& name, bool given) const {
-        const SourceName source = source_named("$" + name + "_FILE");
-        const std::string* const path = find(name + "_FILE");
-        if (path == nullptr) return;
-        if (given) {
-            intake.refuse_text(key, "", source, "$" + name + " is given as well");
+    void take_file(Turn& turn, const std::string& variable, const std::string& path,
+                   bool old) const {
+        if (!turn.given_by.empty()) {
+            turn.intake.refuse_text(turn.key, "", source_named(variable),
+                                    turn.given_by + " is given as well");
             return;
         }
-        if (const auto text = intake.read_text(intake.declaration().keys()[key].label(), *path))
-            intake.take_text(key, *text, source, {});
+        const auto text = turn.intake.read_text(turn.judged().label(), path, variable);
+        if (text && (!text->empty() || empty_counts_)) take(turn, variable, *text, old);
     }
 
     static std::string note_on(const JudgedKey& key, std::string_view text) {

@@ -12,31 +12,33 @@ namespace velmora::app {
 
 namespace {
 
+std::string place_of(const GivenValue* given) {
+    return given != nullptr ? utils::one_line(given->place()) : "";
+}
+
 Explanation explain_key(const Values::Data& data, std::size_t position) {
     const JudgedKey& key = data.declaration->keys()[position];
     Explanation all{.label = key.label(),
-                    .value = key.shown(*data.held[position]),
+                    .value = key.shown_in_full(*data.held[position]),
                     .doc = key.key().setting().doc(),
                     .accepted = key.accepted_text(),
-                    .place = {},
-                    .default_value = key.shown(key.default_value()),
+                    .place = place_of(held_of(data.given[position])),
+                    .default_value = key.shown_in_full(key.default_value()),
                     .restart = key.key().restart()};
-    if (data.is_pending(position)) {
-        const GivenValue* const held = held_of(data.pending->given[position]);
-        all.pending = {key.shown(*data.pending->held[position]),
-                       held != nullptr ? utils::one_line(held->place()) : ""};
-    }
-    for (const GivenValue& given : data.given[position]) {
-        const std::string place = utils::one_line(given.place());
-        if (!given.accepted()) {
-            all.refused.push_back({key.shown(given.value), place, given.refusal});
-        } else if (all.place.empty()) {
-            all.place = place;
-        } else {
-            all.hidden.push_back({key.shown(given.value), place});
-        }
+    const Values::Data& latest = data.is_pending(position) ? *data.pending : data;
+    const auto& given = latest.given[position];
+    const GivenValue* const held = held_of(given);
+    if (&latest != &data) all.pending = {key.shown_in_full(*latest.held[position]), place_of(held)};
+    for (const GivenValue& each : given) {
+        if (&each == held) continue;
+        (each.accepted() ? all.hidden : all.refused)
+            .push_back({key.shown_in_full(each.value), place_of(&each), each.refusal});
     }
     return all;
+}
+
+std::string cut(const std::string& form) {
+    return utils::cut(form, utils::shown_characters);
 }
 
 std::string capitalised(std::string text) {
@@ -66,7 +68,7 @@ std::vector<Explanation> explain(const Values& values) {
 }
 
 std::string text_of(const Explanation& explanation) {
-    std::string text = explanation.label + " = " + explanation.value + "\n";
+    std::string text = explanation.label + " = " + cut(explanation.value) + "\n";
     const auto add = [&text](std::string_view what, const auto&... how) {
         text.append("  ").append(what).append(9 - what.size(), ' ');
         (text.append(how), ...);
@@ -76,13 +78,15 @@ std::string text_of(const Explanation& explanation) {
     const auto place_text = [](const std::string& place) {
         return place.empty() ? "the default" : place;
     };
-    add("from", place_text(explanation.place));
-    if (const auto& pending = explanation.pending)
-        add("pending", pending->value, "  ", place_text(pending->place));
-    for (const auto& [value, place, refusal] : explanation.hidden) add("hides", value, "  ", place);
+    const auto& pending = explanation.pending;
+    const bool stale = pending && !explanation.place.empty();
+    add("from", place_text(explanation.place), stale ? ", as it was read before" : "");
+    if (pending) add("pending", cut(pending->value), "  ", place_text(pending->place));
+    for (const auto& [value, place, refusal] : explanation.hidden)
+        add("hides", cut(value), "  ", place);
     for (const auto& [value, place, refusal] : explanation.refused)
-        add("refused", value, "  ", place, ": ", refusal);
-    if (!explanation.place.empty()) add("default", explanation.default_value);
+        add("refused", cut(value), "  ", place, ": ", refusal);
+    if (!explanation.place.empty()) add("default", cut(explanation.default_value));
     return text + "  a change takes " + restart_text(explanation.restart) + "\n";
 }
 
@@ -98,15 +102,15 @@ Plan plan_between(const Values::Data& old, const Values::Data& now) {
     const auto& keys = now.declaration->keys();
     for (std::size_t i = 0; i < keys.size(); ++i) {
         if (*old.held[i] == *now.held[i]) continue;
-        plan.add({keys[i].label(), keys[i].shown(*old.held[i]), keys[i].shown(*now.held[i]),
-                  keys[i].key().restart()});
+        plan.add({keys[i].label(), keys[i].shown_in_full(*old.held[i]),
+                  keys[i].shown_in_full(*now.held[i]), keys[i].key().restart()});
     }
     const bool secrets = now.declaration->has_secrets();
     const auto shown = [secrets](const Raw& raw) {
-        return secrets && !raw.value().is_null() ? "(secret)" : _shown(raw.value());
+        return secrets && !raw.value().is_null() ? "(secret)" : display(raw.value());
     };
     for (std::size_t i = 0; i < now.raws.size(); ++i) {
-        if (old.raws[i].value() == now.raws[i].value()) continue;
+        if (same(old.raws[i], now.raws[i])) continue;
         const config::Section& section = now.declaration->sections()[i];
         plan.add(
             {section.name(), shown(old.raws[i]), shown(now.raws[i]), section.setting().restart()});
@@ -132,9 +136,12 @@ Plan pending(const Values& now) {
 std::string text_of(const Plan& plan) {
     if (plan.changes.empty()) return "Nothing changes.\n";
     std::string text;
-    for (const Change& change : plan.changes) {
-        text += change.label + ": " + change.before + " -> " + change.after + ", takes " +
-                restart_text(change.restart) + "\n";
+    for (const auto& [label, before, after, restart] : plan.changes) {
+        const std::string from = cut(before);
+        const std::string to = cut(after);
+        text.append(label).append(": ").append(from).append(" -> ").append(to);
+        if (from == to && before != after) text += " (further on)";
+        text.append(", takes ").append(restart_text(restart)).append("\n");
     }
     return text;
 }

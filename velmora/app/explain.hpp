@@ -9,8 +9,7 @@
 //       default  8000
 //       a change takes a restart of the daemon
 //
-// Values are as texts show them: in their display form, cut where they are long, and secret ones not
-// at all.
+// Values are in their display form, which texts cut where it is long; secret ones are not shown.
 #pragma once
 
 #include <optional>
@@ -38,15 +37,15 @@ struct Explanation {
     std::string doc;
     /// What the key takes: "an int, at least 1 and at most 65535".
     std::string accepted;
-    /// Where the value in effect stands; empty for the default.
+    /// Where the value in effect stood when it was read; empty for the default.
     std::string place;
     /// What a reload has found and a restart puts into effect.
     std::optional<OtherValue> pending = std::nullopt;
-    /// The strongest first.
+    /// The strongest first; where something is pending, those beside it.
     std::vector<OtherValue> hidden = {};
     std::vector<OtherValue> refused = {};
     std::string default_value;
-    config::Restart restart;
+    config::Restart restart = config::Restart::none;
 };
 
 /// Throws ConfigKeyError when there is no key with this label.
@@ -62,7 +61,7 @@ struct Change {
     std::string label;
     std::string before;
     std::string after;
-    config::Restart restart;
+    config::Restart restart = config::Restart::none;
 };
 
 struct Plan {

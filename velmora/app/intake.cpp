@@ -53,19 +53,23 @@ Fault& Intake::add_old_name(std::size_t key, const std::string& old, const std::
     return fault;
 }
 
-std::optional<std::string> Intake::read_text(const std::string& label, const std::string& path) {
+std::optional<std::string> Intake::read_text(const std::string& label, const std::string& path,
+                                             const std::string& source) {
     try {
         std::string text = utils::read_file(path);
-        if (!text.empty()) add_file(path);
         for (const std::string_view end : {"\r\n", "\n"}) {
             if (!text.ends_with(end)) continue;
             text.resize(text.size() - end.size());
             break;
         }
+        if (!text.empty()) add_file(path);
         return text;
     } catch (const std::system_error& error) {
-        add_error(FaultKind::unusable_source, label, path,
-                  utils::one_line(path) + ": cannot be read: " + error.code().message());
+        // What is given as a path may be the secret itself.
+        const std::string what =
+            source == path ? ": cannot be read: " : ": its file cannot be read: ";
+        add_error(FaultKind::unusable_source, label, source,
+                  utils::one_line(source) + what + error.code().message());
         return std::nullopt;
     }
 }
@@ -115,9 +119,11 @@ std::string Intake::shown(std::size_t key, const ConfigValue& value) const {
     return alone_ ? judged.shown_in_full(value) : judged.shown(value);
 }
 
-std::string Intake::keeping(std::size_t key) const {
+std::string Intake::keeping(const Values::Data& data, std::size_t key) const {
     const JudgedKey& judged = declaration().keys()[key];
-    if (const GivenValue* held = held_of(values_.given[key]))
+    if (data.is_pending(key))
+        return "; keeping " + shown(key, *data.held[key]) + " until a restart";
+    if (const GivenValue* held = held_of(data.given[key]))
         return "; keeping " + shown(key, held->value) + " from " + utils::one_line(held->place());
     if (judged.traits().required) return "";
     return "; keeping the default " + shown(key, judged.default_value());
@@ -132,12 +138,17 @@ Values::Data Intake::finish() {
     }
     values_.hold();
     for (const auto& [fault, key] : refused_) {
-        if (values_.faults[fault].severity == Severity::warning)
-            values_.faults[fault].message += keeping(key);
         std::string& note = values_.faults[fault].note;
         if (note.empty()) note = keys[key].note();
     }
     return std::move(values_);
+}
+
+void Intake::say_what_holds(Values::Data& data) const {
+    for (const auto& [fault, key] : refused_) {
+        if (data.faults[fault].severity == Severity::warning)
+            data.faults[fault].message += keeping(data, key);
+    }
 }
 
 void Intake::add_missing(const JudgedKey& key) {

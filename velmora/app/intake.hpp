@@ -40,8 +40,9 @@ public:
     /// The same of a YAML text.
     void take_yaml(const std::string& text, const std::string& name);
     /// The content of a file, but for one line end at its end; nothing, and an error about the key
-    /// with this label, when it cannot be read.
-    std::optional<std::string> read_text(const std::string& label, const std::string& path);
+    /// with this label, when it cannot be read. `source` is its path or what names it.
+    std::optional<std::string> read_text(const std::string& label, const std::string& path,
+                                         const std::string& source);
 
     struct TextOptions {
         std::string note = {};  ///< Goes with its fault.
@@ -67,13 +68,13 @@ public:
     /// A fault that is an error always.
     Fault& add_error(FaultKind kind, std::string key, std::string source, std::string message);
 
-    /// All values, and the faults in full. Places can still be asked for.
+    /// All values and faults. Places can still be asked for.
     Values::Data finish();
+    /// Has the faults say which values hold in place of refused ones.
+    void say_what_holds(Values::Data& data) const;
 
     /// Says that a fault is where the value stands that holds for the key at a position.
     void place_at_held(std::size_t key, Fault& fault) const;
-    /// Has another value hold for the key, which stands elsewhere.
-    void forget_place(std::size_t key) { places_[key] = {}; }
 
 private:
     struct Document;
@@ -88,7 +89,7 @@ private:
                bool secret = false) const;
     std::string named(const Document& in) const;
     std::string shown(std::size_t key, const config::ConfigValue& value) const;
-    std::string keeping(std::size_t key) const;
+    std::string keeping(const Values::Data& data, std::size_t key) const;
     void add_missing(const JudgedKey& key);
 
     std::shared_ptr<const Declaration::Data> declaration_;

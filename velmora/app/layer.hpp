@@ -73,7 +73,8 @@ struct EnvironmentOptions {
     /// the variable of server.port, and a "-" in a name an "_". None have a variable when it is
     /// empty.
     std::string prefix = {};
-    /// Whether an empty variable is an empty text, rather than not given.
+    /// Whether an empty variable is an empty text, rather than not given; and so of the files that
+    /// variables of secret keys name.
     bool empty_counts = false;
     OnFault on_fault = OnFault::warn;
     /// The variables to use in place of those of the process.
@@ -92,7 +93,8 @@ struct SetsOptions {
     OnFault on_fault = OnFault::refuse;
 };
 
-/// A mapping of sections, which messages call `name`. Null is an empty one.
+/// A mapping of sections, which messages call `name`. Null is an empty one. Nobody may change it
+/// afterwards: what is in effect shares it.
 VELMORA_EXPORT Layer values(config::ConfigValue value, std::string name,
                             ValuesOptions options = {});
 

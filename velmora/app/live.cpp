@@ -1,6 +1,5 @@
 #include "velmora/app/live.hpp"
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <exception>
@@ -10,6 +9,8 @@
 #include <thread>
 
 #include "velmora/app/loading.hpp"
+#include "velmora/utils/errors.hpp"
+#include "velmora/utils/logging.hpp"
 
 namespace velmora::app {
 
@@ -19,8 +20,10 @@ public:
         : name_(std::move(name)), subscriber_(std::move(subscriber)) {}
 
     void end() {
+        Subscriber ended;
         const std::lock_guard lock(running_);
         ended_ = true;
+        if (!telling_) ended.swap(subscriber_);
     }
 
     void tell(const Plan& changes) {
@@ -29,13 +32,30 @@ public:
             if (change.label == name_ || change.label.starts_with(name_ + ".")) own.add(change);
         }
         const std::lock_guard lock(running_);
-        if (!ended_ && !own.changes.empty()) subscriber_(own);
+        if (ended_ || own.changes.empty()) return;
+        telling_ = true;
+        try {
+            subscriber_(own);
+        } catch (const std::exception& error) {
+            log_failure(error);
+        } catch (...) {
+            log_failure("it has thrown what is no exception");
+        }
+        telling_ = false;
+        if (ended_) subscriber_ = nullptr;
     }
 
 private:
+    void log_failure(const utils::LogArgument& what) const {
+        utils::logger("velmora.app")
+            .log(utils::Level::error, "A subscriber to %s has failed: %s", name_, what);
+    }
+
     std::string name_;
     Subscriber subscriber_;
-    std::recursive_mutex running_;  // A subscriber may end its own subscription.
+    // Recursive, since a subscriber may end its own subscription.
+    std::recursive_mutex running_;
+    bool telling_ = false;
     bool ended_ = false;
 };
 
@@ -137,18 +157,11 @@ void LiveValues::Data::tell(const Plan& changes) {
             if (auto entry = each.lock()) all.push_back(std::move(entry));
         }
     }
-    std::exception_ptr first;
-    for (const auto& entry : all) {
-        try {
-            entry->tell(changes);
-        } catch (...) {
-            if (first == nullptr) first = std::current_exception();
-        }
-    }
-    if (first != nullptr) std::rethrow_exception(first);
+    for (const auto& entry : all) entry->tell(changes);
 }
 
 Subscription LiveValues::Data::subscribe(std::string_view name, Subscriber subscriber) {
+    if (subscriber == nullptr) throw TypeError("a subscriber must be a function");
     if (name.find('.') == std::string_view::npos) {
         declaration_.section(name);
     } else {

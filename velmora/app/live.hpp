@@ -29,15 +29,19 @@
 
 namespace velmora::app {
 
-/// Is told by a reload what has come into effect of what it subscribes to.
+/// Is told by a reload, in its thread, what has come into effect of what it subscribes to. What it
+/// throws is logged to velmora.app as an error.
 using Subscriber = std::function<void(const Plan& changes)>;
 
 /// Keeps a subscriber subscribed as long as it lives, which may be longer than the values do.
 class VELMORA_EXPORT Subscription {
 public:
+    /// To nothing.
+    Subscription() = default;
     Subscription(Subscription&&) noexcept = default;
     Subscription& operator=(Subscription&& other) noexcept;
-    /// Waits for a subscriber that is running, unless it is the one that ends its subscription.
+    /// Waits for a subscriber that is running, unless it is the one that ends its subscription; so
+    /// nobody may do this while holding a lock that the subscriber takes.
     ~Subscription();
 
 private:
@@ -62,18 +66,20 @@ public:
     Values now() const;
 
     /// Loads anew and puts into effect what differs and takes no more restart than granted; the
-    /// rest stays as it was, pending. Checks are made of the values that then hold together.
+    /// rest stays as it was, pending. Checks are made of the values that then hold together; those
+    /// that a restart would fail by are reported as warnings.
     ///
     /// Throws LoadError where there is any fault, or a file gone or empty that was not before, unless
     /// `options` allow for it; then everything is as it was, and nothing has been reported.
     ///
-    /// Subscribers are told in this thread, when the values are in effect. When some throw, the
-    /// others are told nonetheless, and the first exception passes. One reload is made at a time;
-    /// others wait. Throws std::logic_error when a subscriber calls it.
+    /// Faults are reported before anything comes into effect; what a report or a check throws
+    /// passes, and nothing has changed. Subscribers are told afterwards, in the order in which they
+    /// subscribed. One reload is made at a time, others wait; not for signal handlers. Throws
+    /// std::logic_error when a report, a check or a subscriber calls it.
     Reload reload(const ReloadOptions& options = {});
 
-    /// Has reloads tell `subscriber` of changes to the key of this label, or to any key of the section of
-    /// this name. Throws ConfigKeyError when there is neither.
+    /// Has later reloads tell `subscriber` of changes to the key of this label, or to any key of the
+    /// section of this name. Throws ConfigKeyError when there is neither.
     [[nodiscard]] Subscription on_change(std::string_view name, Subscriber subscriber);
 
 private:

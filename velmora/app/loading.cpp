@@ -15,8 +15,8 @@ bool is_error(const Fault& fault) {
     return fault.severity == Severity::error;
 }
 
-bool is_refused(const std::vector<Fault>& faults, bool strict) {
-    return strict ? !faults.empty() : std::any_of(faults.begin(), faults.end(), is_error);
+bool has_error(const std::vector<Fault>& faults) {
+    return std::any_of(faults.begin(), faults.end(), is_error);
 }
 
 // Adds the files that had something in them at an earlier load and are gone now, or empty as those are
@@ -58,7 +58,7 @@ Values::Data Loading::take_layers(bool strict) {
 }
 
 Values Loading::load() {
-    return finish(take_layers(false), false);
+    return finish(take_layers(false));
 }
 
 Values Loading::reload(const Values& now, const ReloadOptions& how) {
@@ -66,38 +66,45 @@ Values Loading::reload(const Values& now, const ReloadOptions& how) {
     const auto fresh = std::make_shared<Values::Data>(take_layers(strict));
     const Values::Data& old = *now.data_;
     if (!how.despite_missing_files) add_missing_files(old.files, *fresh);
-    if (is_refused(fresh->faults, strict)) throw LoadError(std::move(fresh->faults));
+    if (strict) {
+        for (Fault& fault : fresh->faults) fault.severity = Severity::error;
+    }
+    if (has_error(fresh->faults)) throw LoadError(std::move(fresh->faults));
 
     Values::Data mixed = *fresh;
-    const auto waits = [&](const auto& before, const auto& after, config::Restart restart) {
-        const bool does = restart > how.granted && !(before == after);
-        if (does) mixed.pending = fresh;
-        return does;
-    };
     const auto& keys = declaration_.data_->keys();
     for (std::size_t i = 0; i < keys.size(); ++i) {
-        if (!waits(*old.held[i], *fresh->held[i], keys[i].key().restart())) continue;
+        if (keys[i].key().restart() <= how.granted || *old.held[i] == *fresh->held[i]) continue;
         mixed.given[i] = old.given[i];
-        intake_.forget_place(i);
+        mixed.pending = fresh;
     }
     const auto& sections = declaration_.sections();
     for (std::size_t i = 0; i < sections.size(); ++i) {
-        if (waits(old.raws[i].value(), fresh->raws[i].value(), sections[i].setting().restart()))
-            mixed.raws[i] = old.raws[i];
+        if (sections[i].setting().restart() <= how.granted || same(old.raws[i], fresh->raws[i]))
+            continue;
+        mixed.raws[i] = old.raws[i];
+        mixed.pending = fresh;
     }
     mixed.hold();
-    return finish(std::move(mixed), strict);
+    if (mixed.pending != nullptr) bind(*fresh);
+    return finish(std::move(mixed));
 }
 
-Values Loading::finish(Values::Data data, bool strict) {
+void Loading::bind(Values::Data& data) const {
+    if (declaration_.uses_->bind) data.bound = declaration_.uses_->bind(data);
+}
+
+Values Loading::finish(Values::Data data) {
     const auto shared = std::make_shared<Values::Data>(std::move(data));
     Values now(shared);
     std::vector<Fault>& faults = shared->faults;
-    if (!is_refused(faults, strict)) {
-        if (declaration_.uses_->bind) shared->bound = declaration_.uses_->bind(*shared);
-        make_checks(now, faults);
+    intake_.say_what_holds(*shared);
+    if (!has_error(faults)) {
+        bind(*shared);
+        make_checks(now, Severity::error, faults);
     }
-    if (is_refused(faults, strict)) throw LoadError(faults);
+    if (has_error(faults)) throw LoadError(faults);
+    if (shared->pending != nullptr) make_checks(Values(shared->pending), Severity::warning, faults);
     for (const Fault& fault : faults) {
         // A file alone is warned of in the component's own words.
         options_.report ? options_.report(fault)
@@ -106,22 +113,31 @@ Values Loading::finish(Values::Data data, bool strict) {
     return now;
 }
 
-void Loading::make_checks(const Values& now, std::vector<Fault>& faults) const {
+void Loading::make_checks(const Values& values, Severity severity,
+                          std::vector<Fault>& faults) const {
+    const Values::Data& data = *values.data_;
     for (const auto& [labels, check] : declaration_.uses_->checks) {
-        const std::string wrong = check(now);
+        const std::string wrong = check(values);
         if (wrong.empty()) continue;
         Fault fault{.kind = FaultKind::failed_check,
-                    .severity = Severity::error,
+                    .severity = severity,
                     .key = labels.front(),
                     .source = {},
-                    .message = utils::joined(labels) + ": " + utils::one_line(wrong)};
+                    .message = severity == Severity::error ? "" : "A restart would fail: "};
+        fault.message += utils::joined(labels) + ": " + utils::one_line(wrong);
         std::vector<std::string> origins;
+        bool waits = false;
         for (const std::string& label : labels) {
             const std::size_t key = declaration_.data_->key_at(label);
-            origins.push_back(origin_of(*now.data_, key));
-            if (fault.line == 0) intake_.place_at_held(key, fault);
+            origins.push_back(origin_of(data, key));
+            if (data.is_pending(key)) {
+                waits = true;
+            } else if (fault.line == 0) {
+                intake_.place_at_held(key, fault);
+            }
         }
         fault.note = utils::joined(origins);
+        if (data.pending != nullptr && !waits) fault.note += "; others wait for a restart";
         faults.push_back(std::move(fault));
     }
 }

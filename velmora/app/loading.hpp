@@ -25,9 +25,11 @@ public:
 
 private:
     Values::Data take_layers(bool strict);
-    /// Makes values of what was taken in, checks and reports them; any fault is an error when `strict`.
-    Values finish(Values::Data data, bool strict);
-    void make_checks(const Values& now, std::vector<Fault>& faults) const;
+    /// Makes of values what a schema makes of them.
+    void bind(Values::Data& data) const;
+    /// Binds, checks and reports what is to hold.
+    Values finish(Values::Data data);
+    void make_checks(const Values& values, Severity severity, std::vector<Fault>& faults) const;
     std::string origin_of(const Values::Data& data, std::size_t key) const;
 
     const Declaration& declaration_;

@@ -43,7 +43,7 @@ private:
               bool given) const {
         const std::string path = directory_ + "/" + label;
         if (std::error_code error; !std::filesystem::exists(path, error) && !error) return false;
-        const auto text = intake.read_text(label, path);
+        const auto text = intake.read_text(label, path, path);
         if (!text || text->empty()) return false;
         if (!current) intake.add_old_name(key, path, path, directory_, given);
         if (!given) intake.take_text(key, *text, source_named(path), {.secret = true});
@@ -109,7 +109,11 @@ private:
 
     void add_unknown(Intake& intake, const std::string& pair) const {
         const std::size_t sign = pair.find('=');
-        const std::string label = pair.substr(0, sign);
+        // Behind what no label has in it there may be a secret.
+        const std::size_t end = intake.declaration().has_secrets()
+                                    ? std::min(sign, pair.find_first_not_of(label_characters))
+                                    : sign;
+        const std::string label = pair.substr(0, end);
         std::string why = "write it as SECTION.KEY=VALUE";
         if (sign != std::string::npos)
             why = intake.may_hint() ? intake.declaration().no_key_text(label)
@@ -118,6 +122,9 @@ private:
                          intake.ignoring() + utils::shown_text(label) + " from " +
                              utils::one_line(*name_) + ": " + why);
     }
+
+    static constexpr const char* label_characters =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.-";
 
     std::vector<std::string> pairs_;
     SourceName name_;

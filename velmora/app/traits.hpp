@@ -30,7 +30,7 @@ struct KeyTraits {
     bool optional = false;
     /// Whether the value is to be shown nowhere: not in messages, excerpts, explanations and plans.
     /// It can be given as a file that a variable names, $VARIABLE_FILE, but not on a command line,
-    /// which everyone can see.
+    /// which everyone can see. What stands for another key, by an alias say, is that key's value.
     bool secret = false;
     /// Names that the key had in its section before; still read, with a fault that says the new one.
     std::vector<std::string> formerly = {};

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "velmora/app/values_data.hpp"
+#include "velmora/config/display.hpp"
 #include "velmora/utils/errors.hpp"
 
 namespace velmora::app {
@@ -46,6 +47,11 @@ void Values::Data::hold() {
 
 const GivenValue* Values::held(std::string_view label) const& {
     return held_of(given(label));
+}
+
+bool same(const Raw& a, const Raw& b) {
+    return a.document() == b.document() ? a.value() == b.value()
+                                        : display(a.value()) == display(b.value());
 }
 
 config::Record Values::record(std::string_view section) const {

@@ -39,6 +39,9 @@ struct Values::Data {
     std::shared_ptr<const void> bound = nullptr;
 };
 
+/// Whether these are the same to whoever reads them: 1 is not 1.0, and the order of keys counts.
+bool same(const Raw& a, const Raw& b);
+
 /// The one that holds of what is given a key, the strongest first; null for the default.
 const GivenValue* held_of(const std::vector<GivenValue>& given);
 

@@ -85,8 +85,7 @@ void Builder::open(Frame frame, std::string_view core_tag) {
         source_.refuse(properties.offset, "nested more than 400 levels deep");
     if (!properties.tag.empty() && properties.tag != non_specific &&
         short_tag(properties.tag) != core_tag) {
-        source_.refuse(properties.offset,
-                       unfit_tag_text(frame.value().type_text(), properties.tag));
+        source_.refuse(properties.offset, unfit_tag_text(frame.value().type_text()));
     }
     if (!properties.anchor.empty()) anchored_[properties.anchor] = {{}, frames_.size()};
     frames_.push_back(std::move(frame));

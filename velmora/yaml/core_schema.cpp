@@ -99,9 +99,8 @@ std::string short_tag(std::string_view tag) {
     return "!!" + std::string(tag.substr(core_prefix.size()));
 }
 
-std::string unfit_tag_text(std::string_view kind_text, std::string_view tag) {
-    return std::string(kind_text) + " cannot be tagged " + utils::shown_text(short_tag(tag)) +
-           ": remove the tag";
+std::string unfit_tag_text(std::string_view kind_text) {
+    return std::string(kind_text) + " cannot be tagged so: remove the tag";
 }
 
 ConfigValue read_scalar(std::string_view tag, std::string text) {
@@ -118,7 +117,7 @@ ConfigValue read_scalar(std::string_view tag, std::string text) {
         }
     }
     if (tag.empty()) return text;
-    throw ValueError(unfit_tag_text("a scalar", tag));
+    throw ValueError(unfit_tag_text("a scalar"));
 }
 
 }  // namespace velmora::yaml

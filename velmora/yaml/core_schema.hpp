@@ -18,7 +18,7 @@ inline constexpr std::string_view core_prefix = "tag:yaml.org,2002:";
 std::string short_tag(std::string_view tag);
 
 /// Says that a value of this kind, "a list" say, cannot have this tag.
-std::string unfit_tag_text(std::string_view kind_text, std::string_view tag);
+std::string unfit_tag_text(std::string_view kind_text);
 
 /// The value of a scalar with a tag, which is empty for a plain scalar without one. Throws
 /// ValueError when the text does not fit the tag, or the tag is none of a scalar.

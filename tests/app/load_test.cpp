@@ -45,7 +45,8 @@ struct Loaded {
     std::optional<Values> values;
     std::vector<std::string> faults;  // One line each.
     std::vector<std::string> keys;    // Of the faults.
-    std::string printed;              // The faults as compilers do.
+    std::vector<std::string> sources;
+    std::string printed;  // The faults as compilers do.
 };
 
 Loaded load(const Declaration& declaration, const std::vector<Layer>& layers) {
@@ -53,6 +54,7 @@ Loaded load(const Declaration& declaration, const std::vector<Layer>& layers) {
     const auto keep = [&](const Fault& fault) {
         loaded.faults.push_back(one_line(fault));
         loaded.keys.push_back(fault.key);
+        loaded.sources.push_back(fault.source);
         loaded.printed += text_of(fault);
     };
     try {
@@ -120,7 +122,7 @@ TEST(Layers, InEveryOrderTheStrongestAcceptedValueHolds) {
 
 TEST(Layers, ComeFromFilesAndFolders) {
     const Folder folder;
-    folder.write("a.yaml", "server: {port: 1, name: a}");
+    folder.write("a\x1b.yaml", "server: {port: 1, name: a}");
     folder.write("d/10.yaml", "server: {port: 2, limit: 2}");
     folder.write("d/9.yaml", "server: {port: 3}");
     folder.write("d/.hidden.yaml", "server: {prot: 4}");
@@ -132,10 +134,12 @@ TEST(Layers, ComeFromFilesAndFolders) {
     folder.write("c/server.name", " two lines\n\r\n");
     folder.write("c/log.level", "\n");
     folder.write("c/tls.key", "?");
-    folder.write("e/1.yaml/file", "");
+    folder.write("e/1\x1b.yaml/file", "");
     fs::create_symlink("nowhere", folder.path("e/2.yaml"));
     folder.write("e/3.yaml", "servr: 1");
     folder.write("b.yaml", "server: {port: 0}");
+    folder.write("u\x1b/server.port/file", "");
+    fs::create_symlink("server.limit", folder.path("u\x1b/server.limit"));
     folder.write("k/server.port", "hidden");
     folder.write("k/log.level", "hidden");
     const std::string missing = folder.path("missing");
@@ -144,25 +148,29 @@ TEST(Layers, ComeFromFilesAndFolders) {
         const std::string record = loaded.values ? display(loaded.values->record("server")) : "";
         return utils::joined(loaded.faults, "\n") + record.substr(0, record.find(", keep"));
     };
-    const Layer a = file(folder.path("a.yaml"));
+    const Layer a = file(folder.path("a\x1b.yaml"));
     const std::vector<std::pair<std::vector<Layer>, const char*>> cases = {
         {{a}, "Server(port=1, limit=None, name='a'"},
         {{a, directory(folder.path("d"))}, "Server(port=3, limit=2, name='linked'"},
         {{directory(folder.path("d")), a}, "Server(port=1, limit=2, name='a'"},
-        {{a, directory(missing), file(missing, {.optional = true})}, "Server(port=1, limit=None, name='a'"},
+        {{a, directory(missing), file(missing, {.optional = true}), credentials({.directory = missing})},
+         "Server(port=1, limit=None, name='a'"},
         {{credentials({.directory = folder.path("c")}), a}, "Server(port=1, limit=77, name='a'"},
         {{a, credentials({.directory = folder.path("c")})}, "Server(port=1, limit=77, name=' two lines\\n'"},
         {{file(missing)}, "error: missing: cannot be read: No such file or directory"},
         {{file(folder.path("d"), {.optional = true})}, "error: d: cannot be read: Is a directory"},
         {{directory(missing, {.optional = false})}, "error: missing: cannot be read: No such file or directory"},
-        {{directory(folder.path("a.yaml"))}, "error: a.yaml: cannot be read: Not a directory"},
+        {{directory(folder.path("a\x1b.yaml"))}, "error: a\\x1b.yaml: cannot be read: Not a directory"},
         {{directory(folder.path("e"), {.on_fault = OnFault::refuse})},
-         "error: Refusing e/1.yaml: it is no file\nerror: e/2.yaml: cannot be read: No such file or directory\n"
+         "error: Refusing e/1\\x1b.yaml: it is no file\nerror: e/2.yaml: cannot be read: No such file or directory\n"
          "e/3.yaml:1:1: error: Refusing servr in e/3.yaml: there is no such section; did you mean 'server'?"},
         {{file(folder.path("b.yaml"), {.on_fault = OnFault::refuse})},
          "b.yaml:1:16: error: Refusing server.port in the config file: Invalid value for server.port: 0. It must be at "
          "least 1 and at most 65535"},
-        {{credentials({.directory = folder.path("a.yaml")})}, "error: a.yaml: is no directory of credentials"},
+        {{credentials({.directory = folder.path("a\x1b.yaml")})}, "error: a\\x1b.yaml: is no directory of credentials"},
+        {{credentials({.directory = folder.path("u\x1b")})},
+         "error: u\\x1b/server.port: cannot be read: Is a directory\n"
+         "error: u\\x1b/server.limit: cannot be read: Too many levels of symbolic links"},
         {{credentials({.directory = folder.path("k"), .on_fault = OnFault::refuse})},
          "error: Refusing server.port from k/server.port: Invalid value for server.port, a secret that is not shown. "
          "It must be an int, at least 1 and at most 65535\nerror: Refusing log.level from k/log.level: Invalid value "
@@ -189,7 +197,7 @@ TEST(Layers, TakeTextsAndYamlByTheirRules) {
         {"name", "'1'", "'1'", "\"'1'\""},
         {"name", "!!float 1.50", "'1.5'", "'!!float 1.50'"},
         {"name", "~", "", "'~'"},
-        {"tags", "[1.20, no, 'x']", "['1.20', 'no', 'x']", "['[1.20', 'no', \"'x']\"]"},
+        {"tags", "[1.20, 0x1, 'x']", "['1.20', '0x1', 'x']", "['[1.20', '0x1', \"'x']\"]"},
         {"tags", "'a, b'", "['a', 'b']", "[\"'a\", \"b'\"]"},
         {"keep-alive", "1e3", "1000.0", "1000.0"},
     };
@@ -227,6 +235,7 @@ TEST(Layers, ReportEverythingInOrderWithItsPlace) {
         faults_of({text(yaml, "f"),
                    environment({.prefix = "W_",
                                 .variables = {{{"PORT", "udp://10.0.0.1:80"},
+                                               {"LIMIT", "x tcp://"},
                                                {"W_SERVER_PORT", "1"},
                                                {"W_LOG_LEVEL", "tcp://loud"},
                                                {"PORT_FILE", "/"},
@@ -247,6 +256,8 @@ TEST(Layers, ReportEverythingInOrderWithItsPlace) {
                     "(expected a decimal integer, got 'udp://10.0.0.1:80'); keeping 1 from the command line "
                     "(container platforms set such variables for a service of this name: turn that off (in Kubernetes "
                     "with enableServiceLinks: false), or rename the service)",
+                    "Ignoring server.limit from $LIMIT: Cannot set server.limit='x tcp://': expected int (expected a "
+                    "decimal integer, got 'x tcp://'); keeping the default None",
                     "Ignoring log.level from $W_LOG_LEVEL: Invalid value for log.level: 'tcp://loud'. Must be one of: "
                     "debug, info; keeping the default 'info'",
                     "error: Refusing server.port from the command line: Invalid value for server.port: 0. It must be "
@@ -307,6 +318,11 @@ TEST(Layers, TakeTheEnvironmentOfTheProcess) {
     const Layer variables = environment(), files = credentials(), own = credentials({.directory = folder.path("own")});
     unsetenv("PORT");
     unsetenv("CREDENTIALS_DIRECTORY");
+    char no_variable[] = "LIMIT";  // A parent may pass on what has no "=".
+    char* only[] = {no_variable, nullptr};
+    char** const before = std::exchange(environ, only);
+    EXPECT_TRUE(webd().load({environment()}).faults().empty());
+    environ = before;
     const Values now = webd().load({variables, files, own, credentials(), sets({"server.name=x", "server.name=y=z"})});
     EXPECT_EQ(display(now.record("server")), "Server(port=81, limit=5, name='y=z', keep-alive=3.0, tags=['a'])");
     EXPECT_EQ(display(now.record("log")), "Log(level='info')");
@@ -359,22 +375,25 @@ RecordType config_of(std::vector<std::pair<DeclaredType, FieldDetails>> keys) {
 
 TEST(Layers, AskForWhatIsRequiredAndCheckAcrossKeys) {
     const Declaration two(
-        config_of({{int_type, required(setting(nullptr, "First.", {.env = "A"}))}, {int_type, setting(5, "Second.")}}));
+        config_of({{int_type, required(with_traits(setting(nullptr, "First.", {.env = "A"}), {.unit = "apples"}))},
+                   {int_type, setting(5, "Second.")}}));
     const Declaration ordered = two.check({"s.b", "s.a"}, [](const Values& now) {
         return now.get<int>("s.a") < now.get<int>("s.b") ? "" : "out of order";
     });
     using Faults = std::vector<std::string>;
     EXPECT_EQ(load(ordered, {}).faults, Faults{"error: s.a must be given a value, in $A for one: First."});
     EXPECT_THAT(load(ordered, {text("s: {a: x}", "f")}).faults,
-                ElementsAre(testing::EndsWith("got 'x')"), "error: s.a must be given a value, in $A for one: First."));
+                ElementsAre(testing::EndsWith("got 'x') (s.a counts apples)"),
+                            "error: s.a must be given a value, in $A for one: First."));
     EXPECT_THAT(load(ordered, {text("s: {a: 4}", "g\x1b"), text("s: {a: x}", "f")}).faults,
-                ElementsAre(testing::EndsWith("; keeping 4 from g\\x1b:1:8")));
+                ElementsAre(HasSubstr("; keeping 4 from g\\x1b:1:8 (")));
     const Loaded both = load(ordered, {text("s: {a: 9, b: 3}", "f\x1b")});
     EXPECT_EQ(both.keys, Faults{"s.b"});
     EXPECT_EQ(both.printed,
               "f\\x1b:1:14: error: s.b, s.a: out of order\n    1 | s: {a: 9, b: 3}\n      |              ^\n"
               "      = s.b is 3 from f\\x1b:1:14, s.a is 9 from f\\x1b:1:8\n");
     EXPECT_EQ(load(ordered, {text("s: {a: 4}", "f")}).faults, Faults{});
+    EXPECT_EQ(load(ordered, {text("s: {a: 4}", "f"), sets({"s.b=x"})}).sources, Faults{"the command line"});
     EXPECT_EQ(load(ordered, {text("s: {a: 4, b: 5}", "f"), sets({"s.b=3"})}).faults,
               Faults{"f:1:8: error: s.b, s.a: out of order (s.b is 3 from the command line, s.a is 4 from f:1:8)"});
     EXPECT_EQ(load(ordered, {text("s:\n  a: 9", "f")}).faults,
@@ -417,7 +436,7 @@ TEST(Layers, TakeOldNamesAndSayTheNewOnes) {
          "9",
          {"Ignoring $W_S_OLD in the environment: it is called s.a now"}},
         {{sets({"s.b=1", "s.old=7"})}, "7", {"s.old in the command line is called s.a now: rename it"}},
-        {{sets({"s.a=6", "s.old=7"}, {.on_fault = OnFault::warn})},
+        {{sets({"s.old=7", "s.a=6"}, {.on_fault = OnFault::warn})},
          "6",
          {"Ignoring s.old in the command line: it is called s.a now"}},
     };
@@ -433,6 +452,7 @@ TEST(Layers, TakeOldNamesAndSayTheNewOnes) {
     EXPECT_THAT(load(clashing, {variables({})}).faults,
                 ElementsAre("error: $W_S_X_Z would stand for s.a and for another key: name another variable for it",
                             testing::HasSubstr("s.b")));
+    EXPECT_THAT(load(clashing, {sets({"s.a=1", "s.x_z=2"})}).faults, ElementsAre(HasSubstr("rename it")));
 }
 
 TEST(Layers, ShowSecretsNowhere) {
@@ -457,7 +477,7 @@ TEST(Layers, ShowSecretsNowhere) {
     const Declaration sections(RecordType(
         "Config",
         {{"r", open, section(open, "Doc.", none)}, {"s", half, section(half, "Doc.", none)}, raw("h", "Doc.", none)}));
-    const Declaration checked = declaration.check({"s.a", "s.b"}, [](const Values&) { return "no"; });
+    const Declaration checked = declaration.check({"s.b", "s.a"}, [](const Values&) { return "no"; });
     const std::string broken[] = {
         "s: {a: " + secret + ", b: {x: " + secret + "}, c: z}",
         "s: {ab: " + secret + ", c: x}",
@@ -488,6 +508,7 @@ TEST(Layers, ShowSecretsNowhere) {
     for (const std::string& yaml : broken)
         try_to(declaration, {text(yaml, "f"), text("s: {b: [" + secret + "], c: y, d: " + secret + "}", "g")});
     try_to(sections, {text("s: " + secret, "f"), text("r: b " + secret, "g")});
+    try_to(declaration, {text(broken[0], "f")});
     const Values whole = sections.load({text("h: {a: 1, b: " + secret + "}", "f")});
     const auto& in_h = whole.raw("h").value().get<Mapping>();
     out << whole.raw("h").fault(in_h, *in_h.begin(), "?");
@@ -504,6 +525,7 @@ TEST(Layers, ShowSecretsNowhere) {
     for (const Explanation& each : explain(given)) out << text_of(each);
     out << text_of(plan(declaration.load({}, silent), given));
     EXPECT_THAT(out.str(), testing::Not(HasSubstr(secret)));
+    EXPECT_THAT(out.str(), HasSubstr("s.b: (secret) -> (secret), takes"));
     EXPECT_THAT(out.str(), HasSubstr("Ignoring s.a in f: Invalid value for s.a, a secret that is not shown. It must be "
                                      "an int; keeping the default (secret)"));
     EXPECT_THAT(out.str(), HasSubstr("s.b, a secret that is not shown. It must be a list of texts; keeping"));
@@ -516,11 +538,14 @@ TEST(Layers, ShowSecretsNowhere) {
     EXPECT_EQ(unread.faults.front(), "error: $A_FILE: its file cannot be read: No such file or directory");
     const Loaded from_file = load(declaration, {environment({.variables = {{{"A_FILE", folder.path("file")}}}})});
     EXPECT_EQ(display((*from_file.values)["s.a"]), "1");
-    const Loaded both =
-        load(declaration, {environment({.variables = {{{"A", "2"}, {"A_FILE", folder.path("file")}, {"S_C", "x"}}}})});
+    const Loaded both = load(
+        declaration, {environment({.variables = {{{"A", "2"}, {"A_FILE", folder.path("file")}, {"B_FILE", ""}}}})});
     EXPECT_EQ(display((*both.values)["s.a"]), "2");
     EXPECT_THAT(both.faults, ElementsAre("Ignoring s.a from $A_FILE: $A is given as well; keeping (secret) from $A"));
     folder.write("empty", "\n");
+    const std::map<std::string, std::string> empty = {{"W_S_X_FILE", folder.path("empty")}};
+    EXPECT_THAT(load(declaration, {environment({.prefix = "W_", .empty_counts = true, .variables = empty})}).keys,
+                ElementsAre("s.d", "s.d"));
     for (const auto& [path, value] : {std::pair("file", "1"), {"empty", "None"}}) {
         const Loaded old =
             load(declaration, {environment({.prefix = "W_", .variables = {{{"W_S_X_FILE", folder.path(path)}}}})});
@@ -592,7 +617,7 @@ TEST(Layers, OneFileIsReadAsTheComponentReadsIt) {
 }
 
 TEST(Names, AreLookedUpAndGuessed) {
-    const Values now = webd().load({text("hosts:\n  a: [1, x]", "f")});
+    const Values now = webd().load({text("hosts:\n  a: &a [1, x]\nserver: {tags: *a}", "f")});
     EXPECT_EQ(webd().key("server.keep-alive").name(), "keep-alive");
     EXPECT_EQ(webd().section("log").keys().size(), 1U);
     EXPECT_EQ(test::outcome([&] { return now["server.prot"]; }),
@@ -604,14 +629,15 @@ TEST(Names, AreLookedUpAndGuessed) {
     EXPECT_THROW(now.raw("log"), TypeError);
     const Raw& hosts = now.raw("hosts");
     const auto& list = hosts.value().find("a")->get<List>();
-    EXPECT_EQ(one_line(hosts.fault(list, 1, "no\nport")), "f:2:10: no\\nport");
+    EXPECT_EQ(one_line(hosts.fault(list, 1, "no\nport")), "f:2:13: no\\nport");
+    EXPECT_EQ(display(hosts.value()), "{'a': [1, 'x']}");
     const Values bare = webd().load({values(Mapping{{"hosts", Mapping{{"a", List{1}}}}}, "v")});
     const auto& in_bare = bare.raw("hosts").value().get<Mapping>();
     EXPECT_EQ(one_line(bare.raw("hosts").fault(in_bare, *in_bare.begin(), "bad")), "bad");
     EXPECT_EQ(one_line(bare.raw("hosts").fault(in_bare.find("a")->get<List>(), 0, "bad")), "bad");
     EXPECT_EQ(display(webd().load({text("hosts: 1", "f"), text("hosts: ~", "g")}).raw("hosts").value()), "1");
     EXPECT_EQ(one_line(hosts.fault(hosts.value().get<Mapping>(), *hosts.value().get<Mapping>().begin(), "bad")),
-              "f:2:6: bad");
+              "f:2:9: bad");
 }
 
 TEST(Explanations, SayWhatHoldsAndWhy) {
@@ -619,13 +645,13 @@ TEST(Explanations, SayWhatHoldsAndWhy) {
         return webd().load(layers, {.report = [](const Fault&) {}});
     };
     const Layer variables = environment({.variables = {{{"PORT", "9090"}}}});
-    const Values now = load({text("server: {port: 0}", "a"), text("server: {port: 80}\nhosts: 1", "b"), variables});
+    const Values now = load({text("server: {port: 80}\nhosts: 1", "b"), variables, text("server: {port: 0}", "a\x1b")});
     EXPECT_EQ(text_of(explain(now, "server.port")),
               "server.port = 9090\n"
               "  Port. An int, at least 1 and at most 65535.\n"
               "  from     $PORT\n"
               "  hides    80  b:1:16\n"
-              "  refused  0  a:1:16: Invalid value for server.port: 0. It must be at least 1 and at most 65535\n"
+              "  refused  0  a\\x1b:1:16: Invalid value for server.port: 0. It must be at least 1 and at most 65535\n"
               "  default  8080\n"
               "  a change takes a restart of the daemon\n");
     EXPECT_EQ(text_of(explain(now).back()),
@@ -643,6 +669,9 @@ TEST(Explanations, SayWhatHoldsAndWhy) {
     EXPECT_THAT(text_of(further), testing::EndsWith("nnn... (further on), takes a restart of the daemon\n"));
     EXPECT_EQ(further.changes[0].after, display(named('b')["server.name"]));
     EXPECT_THAT(text_of(explain(named('a'), "server.name")), HasSubstr("nnn...\n  Name."));
+    const auto with_hosts = [&](const char* hosts) { return load({text("hosts: " + std::string(hosts), "f")}); };
+    EXPECT_EQ(plan(with_hosts("{a: 1, b: 2}"), with_hosts("{b: 2, a: 1}")).changes.size(), 1U);
+    EXPECT_TRUE(plan(with_hosts(".nan"), with_hosts(".nan")).changes.empty());
     EXPECT_THROW(plan(now, Declaration(config_of({})).load({})), ValueError);
 }
 
@@ -663,6 +692,15 @@ TEST(Faults, CutWhatHoldsUnlessOneFileIsAlone) {
     EXPECT_THAT(load(long_default, {null}).faults, ElementsAre(HasSubstr("keeping the default '" + wide + "'")));
     EXPECT_THAT(load(long_default, {null, sets({})}).faults,
                 ElementsAre(testing::AllOf(HasSubstr("keeping the default '" + cut), testing::Not(HasSubstr(wide)))));
+    const Declaration lists(config_of({{list_of(str_type), setting(List{wide}, "Doc.")}}));
+    const auto given = [&](const std::string& value) { return text("s: {a: " + value + "}", "f"); };
+    const LoadOptions silent = {.report = [](const Fault&) {}};
+    Explanation all =
+        explain(lists.load({given(wide + "b"), given("{" + wide + ": 1}"), given(wide + "c")}, silent), "s.a");
+    EXPECT_THAT((std::vector{all.value, all.hidden[0].value, all.refused[0].value, all.default_value}),
+                ElementsAre("['" + wide + "c']", "['" + wide + "b']", "{'" + wide + "': 1}", "['" + wide + "']"));
+    all.pending = all.refused[0] = all.hidden[0];
+    EXPECT_THAT(text_of(all), testing::Not(HasSubstr(wide)));
 }
 
 TEST(Faults, ShowTheLineOfABrokenFile) {

@@ -75,9 +75,9 @@ app::SectionRow<Config> section_of(All Config::*member, const char* name) {
                             app::key(&All::bytes, "bytes", "Bytes.", {.bounds = Bound(0, 200)}),
                             app::key(&All::levels, "levels", "Levels."),
                             app::key(&All::paths, "paths", "Paths."),
-                            app::key(&All::rates, "rates", "Rates."),
+                            app::key(&All::rates, "rates", "Rates.", {.bounds = POSITIVE}),
                             app::key(&All::limit, "limit", "Limit.", {.bounds = POSITIVE}),
-                            app::key(&All::some, "some", "Some."),
+                            app::key(&All::some, "some", "Some.", {.bounds = Bound(-velmora::test::inf, 8)}),
                             app::key(&All::end, "end", "End."),
                             app::required(&All::token, "token", "Token.", {.secret = true, .formerly = {"key"}}),
                         });
@@ -167,11 +167,14 @@ TEST(Schema, AcceptsWhatMembersHoldAndNothingElse) {
          "Ignoring all.levels from the command line: Invalid value for all.levels item 2: 'x'. Must be one of: debug, "
          "info\n"},
         {"rates=1e39",
-         "Ignoring all.rates from the command line: Invalid value for all.rates item 1: 1e+39. It must be at least "
-         "-3.40282e+38 and at most 3.40282e+38\n"},
+         "Ignoring all.rates from the command line: Invalid value for all.rates item 1: 1e+39. It must be above 0 and "
+         "at most 3.40282e+38\n"},
+        {"rates=1e-50",
+         "Ignoring all.rates from the command line: Invalid value for all.rates item 1: 0.0. It must be above 0 and at "
+         "most 3.40282e+38\n"},
         {"some=0x1",
          "Ignoring all.some from the command line: Cannot set all.some item 1='0x1': expected int (expected a decimal "
-         "integer, got '0x1') = all.some is an integer from -2147483648 to 2147483647\n"},
+         "integer, got '0x1') = all.some is an integer from -2147483648 to 8\n"},
         {"limit=",
          "Ignoring all.limit from the command line: Cannot set all.limit='': expected int (expected a decimal integer, "
          "got '') = all.limit is an integer above 0, up to 2147483647\n"},
@@ -290,9 +293,10 @@ TEST(Lint, FindsWhatIsWrongWithADeclaration) {
                            {"b-c", int_type, app::optional(setting(nullptr, "Doc.", {.env = "_B1"}))},
                            {"d", str_type, setting("x", "Doc.", {.env = "A_FILE"})}})},
          ""},
-        {{in_section("s", {{"a", int_type, setting(0, "Doc.", {.bounds = POSITIVE})}})},
+        {{in_section("s", {{"a", int_type, app::required(setting(0, "Doc.", {.bounds = POSITIVE}))}})},
          "s.a: it refuses its own default: Invalid value for s.a: 0. It must be above 0"},
-        {{in_section("s", {{"a", int_type, setting(1.5, "Doc.")}})}, "s.a: its default 1.5 would become 1"},
+        {{in_section("s", {{"a", int_type, app::with_traits(setting(1.5, "Doc."), {.secret = true})}})},
+         "s.a: its default (secret) would become (secret)"},
         {{in_section("s", {{"a", int_type, setting(nullptr, "Doc.")}})},
          "s.a: it refuses its own default: Cannot set s.a=None: expected int (expected an integer, got None)"},
         {{in_section("s", {{"a", list_of(str_type), setting(List{1}, "Doc.")}})},
@@ -312,13 +316,16 @@ TEST(Lint, FindsWhatIsWrongWithADeclaration) {
         {{in_section("s", {{"a", str_type, setting("x", "Doc.", {.env = "V"})},
                            {"b", str_type, setting("x", "Doc.", {.env = "V"})}})},
          "s.b: its variable V is that of s.a as well"},
-        {{in_section("s", {{"a", str_type, setting("x", "Doc.", {.env = ""})},
-                           {"b", str_type, setting("x", "Doc.", {.env = "1A"})}})},
-         "s.a: no shell can set a variable named ''\ns.b: no shell can set a variable named '1A'"},
+        {{in_section("s", {{"a", str_type, setting("x", "Doc.", {.env = "1A"})},
+                           {"b", str_type, setting("x", "Doc.", {.env = "1A"})},
+                           {"c", str_type, setting("x", "Doc.", {.env = ""})}})},
+         "s.a: no shell can set a variable named '1A'\ns.b: no shell can set a variable named '1A'\n"
+         "s.c: no shell can set a variable named ''"},
         {{in_section("s", {{"a", str_type, app::with_traits(setting("x", "Doc.", {.env = "V"}), {.secret = true})},
                            {"b", str_type, setting("x", "Doc.", {.env = "V_FILE"})}})},
          "s.b: its variable V_FILE is that of s.a as well"},
-        {{in_section("s", {{"a", str_type, app::with_traits(setting("x", "Doc."), {.formerly = {"b", "c", "c", ""}})},
+        {{in_section("r", {{"a", str_type, app::with_traits(setting("x", "Doc."), {.formerly = {"c"}})}}),
+          in_section("s", {{"a", str_type, app::with_traits(setting("x", "Doc."), {.formerly = {"b", "c", "c", ""}})},
                            {"b", str_type, setting("x", "Doc.")}})},
          "s.a: its old name b is the name of a key\ns.a: its old name c is there twice in its section\ns.a: its old "
          "name '' can have been none"},

@@ -10,6 +10,7 @@
 #include "folder.hpp"
 #include "support.hpp"
 #include "velmora/utils/logging.hpp"
+#include "velmora/utils/quoting.hpp"
 
 namespace {
 
@@ -77,7 +78,11 @@ protected:
             EXPECT_EQ(brief(done.pending), brief(pending(live().now().values())));
             printed = in_effect() + " " + brief(done.changes) + " | " + brief(done.pending) + printed;
         } catch (const app::LoadError& error) {
-            for (const app::Fault& fault : error.faults()) printed += "\n" + one_line(fault);
+            for (const app::Fault& fault : error.faults()) {
+                printed += "\n" + one_line(fault);
+                if (fault.kind != app::FaultKind::unusable_source || fault.line != 0) continue;
+                EXPECT_THAT(printed, testing::HasSubstr(" " + velmora::utils::one_line(fault.source) + ": "));
+            }
             printed = in_effect() + printed;
         }
         return folder.local(printed);
@@ -210,7 +215,12 @@ TEST_F(Running, KeepsWhatIsPendingUntilItHolds) {
     put("a", "s: {daemon: 5}\nr: [1]");
     EXPECT_EQ(reload(), "015[1] none | none");
     EXPECT_EQ(daemon(), head + "  from     " + path("a:1:13") + "\n" + tail);
+    put("d/2\x1b.yaml", "s: {daemon: 7}");
+    EXPECT_EQ(reload(), "015[1] none | daemon s.daemon:5>7");
+    EXPECT_THAT(daemon(), testing::HasSubstr("pending  7  " + path("d/2\\x1b.yaml:1:13\n")));
     EXPECT_EQ(text_of(explain(live().now().values(), "s.none")).find("pending"), std::string::npos);
+    put("d/2\x1b.yaml", nullptr);
+    EXPECT_THAT(reload(), testing::HasSubstr("d/2\\x1b.yaml: is gone"));
 }
 
 TEST_F(Running, TellsThoseWhoSubscribe) {
@@ -227,6 +237,7 @@ TEST_F(Running, TellsThoseWhoSubscribe) {
     replaced = telling("new", "s.none");
     of_worker = live().on_change("s.worker", [&](const app::Plan&) {
         told += in_effect() + outcome([&] { return brief(live().reload().changes); }) + " ";
+        const app::Subscription within = telling("within", "s");
         of_worker = {};
         ended = {};
     });
@@ -302,7 +313,7 @@ TEST_F(Running, ThreadsReadReloadAndSubscribeAtOnce) {
             for (; !over; std::this_thread::yield()) act();
         });
     };
-    for (int i = 0; i < 8; ++i) {
+    for (int i = 0; i < 16; ++i) {  // One at least for each copy that is kept for readers.
         repeat([&] {
             int before = read;
             const app::Snapshot<Config> now = live.now();
@@ -313,7 +324,7 @@ TEST_F(Running, ThreadsReadReloadAndSubscribeAtOnce) {
         });
     }
     repeat(change_sink);
-    repeat([&] { live.reload(options); });
+    for (int i = 0; i < 2; ++i) repeat([&] { live.reload(options); });
     repeat([&] {
         std::string told;
         const auto subscription = live.on_change("s", [&told](const app::Plan& plan) { told += brief(plan); });

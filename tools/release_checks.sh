@@ -43,8 +43,9 @@ check_shared() {
     true
 }
 
+# The sort of libstdc++ 12 calls what is deprecated, and this Clang says so of the code that sorts.
 check_newest_clang() {
-    build_and_test clang -DCMAKE_CXX_COMPILER=clang++-$clang
+    build_and_test clang -DCMAKE_CXX_COMPILER=clang++-$clang -DCMAKE_CXX_FLAGS=-Wno-deprecated-declarations
 }
 
 # Debian's GoogleTest is for 64 bits, but comes with its source.

@@ -152,7 +152,10 @@ TEST_F(Running, ReloadsPutIntoEffectWhatTheyMay) {
         {"a", daemon_0, {daemon}, at_daemon + "s.daemon is 0 from a:1:22, s.none is 1 from a:1:11)"},
 
         {"a", nullptr, {daemon}, "\nerror: a: is gone or empty, which it was not before (to *"},
-        {"a", "", {daemon}, "\nerror: a: is gone or empty, which it was not before (to do without its values, leave *"},
+        {"a",
+         "",
+         {daemon},
+         "\nerror: a: is gone or empty, which it was not before (to do without its values, restart)"},
         {"a", "#", {none}, "015[1] none s.none:1>0 | daemon s.daemon:5>9 r:(secret)>None"},
         {"d/1.yaml", nullptr, {daemon}, "\nerror: d/1.yaml: is gone or empty, which it was not before (to *"},
         {"d", nullptr, {daemon}, "\nerror: d/1.yaml: is gone or empty, which it was not before (to *"},

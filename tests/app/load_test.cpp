@@ -452,6 +452,8 @@ TEST(Layers, TakeOldNamesAndSayTheNewOnes) {
     EXPECT_THAT(load(clashing, {variables({})}).faults,
                 ElementsAre("error: $W_S_X_Z would stand for s.a and for another key: name another variable for it",
                             testing::HasSubstr("s.b")));
+    folder.write("three/s.old/file", "");
+    EXPECT_EQ(load(renamed, {credentials({.directory = folder.path("three")})}).keys.front(), "s.a");
     EXPECT_THAT(load(clashing, {sets({"s.a=1", "s.x_z=2"})}).faults, ElementsAre(HasSubstr("rename it")));
 }
 
@@ -542,6 +544,12 @@ TEST(Layers, ShowSecretsNowhere) {
         declaration, {environment({.variables = {{{"A", "2"}, {"A_FILE", folder.path("file")}, {"B_FILE", ""}}}})});
     EXPECT_EQ(display((*both.values)["s.a"]), "2");
     EXPECT_THAT(both.faults, ElementsAre("Ignoring s.a from $A_FILE: $A is given as well; keeping (secret) from $A"));
+    const RecordType beside("S", {{"a", str_type, with_traits(setting("", "Doc."), {.secret = true})},
+                                  {"a_file", str_type, setting("", "Doc.")}});
+    EXPECT_THAT(load(Declaration(RecordType("Config", {{"s", beside, section(beside, "Doc.", none)}})),
+                     {environment({.prefix = "W_", .variables = {{{"W_S_A_FILE", folder.path("file")}}}})})
+                    .keys,
+                ElementsAre("s.a", "s.a_file"));
     folder.write("empty", "\n");
     const std::map<std::string, std::string> empty = {{"W_S_X_FILE", folder.path("empty")}};
     EXPECT_THAT(load(declaration, {environment({.prefix = "W_", .empty_counts = true, .variables = empty})}).keys,

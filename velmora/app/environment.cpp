@@ -46,11 +46,14 @@ public:
     void give(Intake& intake) const override {
         const auto& keys = intake.declaration().keys();
         std::vector<std::vector<std::string>> all_names;
-        std::unordered_map<std::string_view, std::size_t> users;
+        std::unordered_map<std::string, std::size_t> users;
         all_names.reserve(keys.size());
         for (const JudgedKey& key : keys) all_names.push_back(names_of(key));
-        for (const auto& names : all_names) {
-            for (const std::string& name : names) ++users[name];
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            for (const std::string& name : all_names[i]) {
+                ++users[name];
+                if (keys[i].traits().secret) ++users[name + "_FILE"];
+            }
         }
         for (std::size_t i = 0; i < keys.size(); ++i) {
             Turn turn = {intake, i};
@@ -59,8 +62,10 @@ public:
                 if (users[name] > 1) add_ambiguous(intake, keys[i], name);
                 if (const std::string* const text = find(name)) take(turn, "$" + name, *text, old);
                 if (!keys[i].traits().secret) continue;
-                if (const std::string* const path = find(name + "_FILE"))
-                    take_file(turn, "$" + name + "_FILE", *path, old);
+                const std::string file = name + "_FILE";
+                if (users[file] > 1) add_ambiguous(intake, keys[i], file);
+                if (const std::string* const path = find(file))
+                    take_file(turn, "$" + file, *path, old);
             }
         }
     }

@@ -35,7 +35,7 @@ void add_missing_files(const std::vector<std::string>& before, Values::Data& dat
              .key = {},
              .source = path,
              .message = utils::one_line(path) + ": is gone or empty, which it was not before",
-             .note = "to do without its values, leave a comment in it, or restart"});
+             .note = "to do without its values, restart"});
     }
 }
 

@@ -43,7 +43,7 @@ private:
               bool given) const {
         const std::string path = directory_ + "/" + label;
         if (std::error_code error; !std::filesystem::exists(path, error) && !error) return false;
-        const auto text = intake.read_text(label, path, path);
+        const auto text = intake.read_text(intake.declaration().keys()[key].label(), path, path);
         if (!text || text->empty()) return false;
         if (!current) intake.add_old_name(key, path, path, directory_, given);
         if (!given) intake.take_text(key, *text, source_named(path), {.secret = true});
@@ -110,9 +110,8 @@ private:
     void add_unknown(Intake& intake, const std::string& pair) const {
         const std::size_t sign = pair.find('=');
         // Behind what no label has in it there may be a secret.
-        const std::size_t end = intake.declaration().has_secrets()
-                                    ? std::min(sign, pair.find_first_not_of(label_characters))
-                                    : sign;
+        const std::size_t end =
+            intake.declaration().has_secrets() ? pair.find_first_not_of(label_characters) : sign;
         const std::string label = pair.substr(0, end);
         std::string why = "write it as SECTION.KEY=VALUE";
         if (sign != std::string::npos)

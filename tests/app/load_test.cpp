@@ -419,26 +419,25 @@ TEST(Layers, TakeOldNamesAndSayTheNewOnes) {
     const std::tuple<std::vector<Layer>, const char*, std::vector<std::string>> cases[] = {
         {{text("s: {old: 7, zz: 0}", "f")},
          "7",
-         {"f:1:5: s.old in the config file is called s.a now: rename it", "f:1:13: Ignoring s.zz"}},
-        {{credentials({.directory = folder.path("one")})}, "7", {folder.path("one/s.old in ")}},
-        {{credentials({.directory = folder.path("two")})}, "6", {"Ignoring " + folder.path("two/s.older in ")}},
+         {"f:1:5: advice: s.old in the config file is called s.a now: rename it", "f:1:13: Ignoring s.zz"}},
+        {{credentials({.directory = folder.path("one")})}, "7", {"advice: " + folder.path("one/s.old in ")}},
+        {{credentials({.directory = folder.path("two")})}, "6", {"advice: " + folder.path("two/s.older in ")}},
         {{text("s: {old: 7, b: 1, a: 8}", "f"), text("", "g")},
          "8",
-         {"f:1:5: Ignoring s.old in f: it is called s.a now, which is given as well"}},
+         {"f:1:5: advice: s.old in f is called s.a now, which is given as well: remove it"}},
         {{text("s: {older: 7, old: x}", "f")},
          "1",
-         {"f:1:15: s.old in", "f:1:20: Ignoring s.a in the config file: Cannot set", "f:1:5: Ignoring s.older in"}},
+         {"f:1:15: advice: s.old in", "f:1:20: Ignoring s.a in the config file: Cannot set",
+          "f:1:5: advice: s.older in"}},
         {{text("s: {a: 7}", "f"), variables({{"W_S_OLD", "8"}})},
          "8",
-         {"$W_S_OLD in the environment is called s.a now: rename it"}},
-        {{variables({{"W_S_OLD", "x"}})}, "1", {"$W_S_OLD in the", "Ignoring s.a from $W_S_OLD: Cannot set"}},
+         {"advice: $W_S_OLD in the environment is called s.a now: rename it"}},
+        {{variables({{"W_S_OLD", "x"}})}, "1", {"advice: $W_S_OLD in the", "Ignoring s.a from $W_S_OLD: Cannot set"}},
         {{variables({{"W_S_OLD", "8"}, {"W_S_A", "9"}})},
          "9",
-         {"Ignoring $W_S_OLD in the environment: it is called s.a now"}},
-        {{sets({"s.b=1", "s.old=7"})}, "7", {"s.old in the command line is called s.a now: rename it"}},
-        {{sets({"s.old=7", "s.a=6"}, {.on_fault = OnFault::warn})},
-         "6",
-         {"Ignoring s.old in the command line: it is called s.a now"}},
+         {"advice: $W_S_OLD in the environment is called s.a now, which"}},
+        {{sets({"s.b=1", "s.old=7"})}, "7", {"advice: s.old in the command line is called s.a now: rename it"}},
+        {{sets({"s.old=7", "s.a=6"})}, "6", {"advice: s.old in the command line is called s.a now, which"}},
     };
     for (const auto& [layers, value, faults] : cases) {
         const Loaded loaded = load(renamed, layers);
@@ -559,7 +558,7 @@ TEST(Layers, ShowSecretsNowhere) {
             load(declaration, {environment({.prefix = "W_", .variables = {{{"W_S_X_FILE", folder.path(path)}}}})});
         EXPECT_EQ(display((*old.values)["s.d"]), value);
         EXPECT_EQ(utils::joined(old.faults),
-                  *value == '1' ? "$W_S_X_FILE in the environment is called s.d now: rename it" : "");
+                  *value == '1' ? "advice: $W_S_X_FILE in the environment is called s.d now: rename it" : "");
     }
 }
 

@@ -38,12 +38,34 @@ std::string beginning(std::string_view text, std::size_t most) {
     return utils::one_line(text.substr(0, size)).append(size < text.size() ? ellipsis : "");
 }
 
+std::string_view weight_of(Severity severity) {
+    switch (severity) {
+        case Severity::advice:
+            return "advice: ";
+        case Severity::error:
+            return "error: ";
+        default:
+            return "";
+    }
+}
+
+utils::Level level_of(Severity severity) {
+    switch (severity) {
+        case Severity::advice:
+            return utils::Level::info;
+        case Severity::error:
+            return utils::Level::error;
+        default:
+            return utils::Level::warning;
+    }
+}
+
 std::string with_place(const Fault& fault) {
     std::string place;
     if (fault.line != 0)
         place = utils::one_line(fault.source) + ":" + std::to_string(fault.line) + ":" +
                 std::to_string(fault.column) + ": ";
-    return place + (fault.severity == Severity::error ? "error: " : "") + fault.message;
+    return place + std::string(weight_of(fault.severity)) + fault.message;
 }
 
 std::vector<std::string> lines_of(const std::vector<Fault>& faults) {
@@ -101,8 +123,7 @@ void log_fault(const Fault& fault, bool with_place) {
     static utils::Logger& component = utils::logger("velmora.config.spec");
     static utils::Logger& own = utils::logger("velmora.app");
     (is_of_component(fault) ? component : own)
-        .log(fault.severity == Severity::error ? utils::Level::error : utils::Level::warning, "%s",
-             with_place ? one_line(fault) : fault.message);
+        .log(level_of(fault.severity), "%s", with_place ? one_line(fault) : fault.message);
 }
 
 LoadError::LoadError(std::vector<Fault> faults)

@@ -25,7 +25,7 @@ enum class FaultKind {
     refused_value,       ///< A value that its key does not take.
     section_no_mapping,  ///< A section that is something else than keys and their values.
     unknown_name,        ///< What is no section, no key, or no SECTION.KEY=VALUE at all.
-    old_name,            ///< A key that is given by a name that it had before.
+    old_name,            ///< A key that is given by a name that it had before. Advice always.
     unusable_source,     ///< A file that is missing, cannot be read, is no YAML or has no sections.
     ambiguous_variable,  ///< A variable that, by its prefix, would stand for two keys.
     missing_value,       ///< A required key for which there is no value.
@@ -33,7 +33,11 @@ enum class FaultKind {
     of_application,      ///< What an application finds in a section that it reads itself.
 };
 
-enum class Severity { warning, error };
+enum class Severity {
+    advice,   ///< The value holds, and something about it is worth knowing.
+    warning,  ///< The value does not hold; others do in its place.
+    error,    ///< Nothing is loaded.
+};
 
 /// The part of a line that a fault is about, ready for a terminal: no character in it is a control
 /// character, and a long line is cut.
@@ -71,8 +75,8 @@ struct Fault {
     std::optional<Excerpt> excerpt = std::nullopt;
 };
 
-/// The fault on one line: its place if it has one, "error: " if it is one, the message, and the note
-/// in parentheses.
+/// The fault on one line: its place if it has one, "error: " or "advice: " if it is one, the message,
+/// and the note in parentheses.
 VELMORA_EXPORT std::string one_line(const Fault& fault);
 
 /// The fault as compilers print it: its line, the excerpt with a mark under what it is about, and
@@ -83,9 +87,8 @@ VELMORA_EXPORT std::ostream& operator<<(std::ostream& out, const Fault& fault);
 /// Whether the component itself would warn of it.
 VELMORA_EXPORT bool is_of_component(const Fault& fault) noexcept;
 
-/// Logs the fault on one line, as the warning or the error that it is, behind its place if that is
-/// wanted: what the component itself would warn of to velmora.config.spec, everything else to
-/// velmora.app.
+/// Logs the fault on one line, advice as info, behind its place if that is wanted: what the component
+/// itself would warn of to velmora.config.spec, everything else to velmora.app.
 VELMORA_EXPORT void log_fault(const Fault& fault, bool with_place = true);
 
 /// Values that cannot come into effect. Its message has a line for every fault.

@@ -44,12 +44,15 @@ Fault& Intake::add_error(FaultKind kind, std::string key, std::string source, st
 Fault& Intake::add_old_name(std::size_t key, const std::string& old, const std::string& source,
                             const std::string& shown_source, bool given) {
     const std::string& label = declaration().keys()[key].label();
-    Fault& fault =
-        add_fault(FaultKind::old_name, label, source,
-                  given ? ignoring() + old + " in " + shown_source + ": it is called " + label +
-                              " now, which is given as well"
-                        : old + " in " + shown_source + " is called " + label + " now: rename it");
-    fault.severity = Severity::warning;
+    const std::string renamed = old + " in " + shown_source + " is called " + label + " now";
+    return add_advice(FaultKind::old_name, label, source,
+                      renamed + (given ? ", which is given as well: remove it" : ": rename it"));
+}
+
+Fault& Intake::add_advice(FaultKind kind, std::string key, std::string source,
+                          std::string message) {
+    Fault& fault = add_fault(kind, std::move(key), std::move(source), std::move(message));
+    fault.severity = Severity::advice;
     return fault;
 }
 

@@ -68,6 +68,9 @@ public:
     /// A fault that is an error always.
     Fault& add_error(FaultKind kind, std::string key, std::string source, std::string message);
 
+    /// What is worth knowing although the value holds; it never stands in the way.
+    Fault& add_advice(FaultKind kind, std::string key, std::string source, std::string message);
+
     /// All values and faults. Places can still be asked for.
     Values::Data finish();
     /// Has the faults say which values hold in place of refused ones.

@@ -69,7 +69,7 @@ public:
     /// rest stays as it was, pending. Checks are made of the values that then hold together; those
     /// that a restart would fail by are reported as warnings.
     ///
-    /// Throws LoadError where there is any fault, or a file gone or empty that was not before, unless
+    /// Throws LoadError where there is any fault but advice, or a file gone or empty that was not before, unless
     /// `options` allow for it; then everything is as it was, and nothing has been reported.
     ///
     /// Faults are reported before anything comes into effect; what a report or a check throws

@@ -67,7 +67,9 @@ Values Loading::reload(const Values& now, const ReloadOptions& how) {
     const Values::Data& old = *now.data_;
     if (!how.despite_missing_files) add_missing_files(old.files, *fresh);
     if (strict) {
-        for (Fault& fault : fresh->faults) fault.severity = Severity::error;
+        for (Fault& fault : fresh->faults) {
+            if (fault.severity == Severity::warning) fault.severity = Severity::error;
+        }
     }
     if (has_error(fresh->faults)) throw LoadError(std::move(fresh->faults));
 

@@ -11,7 +11,7 @@ struct ReloadOptions {
     /// as well that are not restarted yet.
     config::Restart granted = config::Restart::none;
     /// Whether warnings are to stand in the way no more than at a start, and weaker values or
-    /// defaults to take the place of refused ones. Errors always do.
+    /// defaults to take the place of refused ones. Errors always do, advice never does.
     bool despite_faults = false;
     /// Whether files that had something in them before may be gone or empty, as those are for a moment
     /// that are being written.

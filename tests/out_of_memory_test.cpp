@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "examples/locked_file.hpp"
+#include "folder.hpp"
 #include "support.hpp"
 #include "velmora/utils/logging.hpp"
 
@@ -168,22 +169,20 @@ TEST(Cycles, KeepWhatIsReachedAndFreeTheRest) {
 TEST(OutOfMemory, LeavesNoFileOpenOrBehind) {
     namespace fs = std::filesystem;
     const auto entries = [](const fs::path& folder) { return std::distance(fs::directory_iterator(folder), {}); };
-    const fs::path folder = testing::TempDir() + "velmora-out-of-memory";
-    fs::create_directory(folder);
+    const test::Folder folder;
     const auto descriptors = entries("/proc/self/fd");
     bool failed = true;
     for (long count = 0; failed; ++count) {
         allocations_left = count;
         try {
-            LockedFile(folder / "file").replace("content");
+            LockedFile(folder.path("file")).replace("content");
             failed = false;
         } catch (const std::bad_alloc&) {
         }
         allocations_left = all;
         EXPECT_EQ(entries("/proc/self/fd"), descriptors);
-        EXPECT_EQ(entries(folder), failed ? 0 : 1);
+        EXPECT_EQ(entries(folder.path("")), failed ? 0 : 1);
     }
-    fs::remove_all(folder);
 }
 
 }  // namespace

@@ -3,20 +3,22 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <exception>
 #include <future>
 #include <memory>
-#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
 #include <netdb.h>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <velmora/utils/errors.hpp>
 #include <velmora/utils/logging.hpp>
 
 #include "descriptor.hpp"
@@ -122,33 +124,35 @@ void log_lines(Level level, std::string_view what, const std::string& text) {
 // Says what must restart for what has come into effect. The log is opened anew each time, since its
 // file may have been moved away.
 Restart reload(app::Live<Config>& live) {
+    app::Reload reload;
     try {
-        const app::Reload reload = live.reload({.granted = Restart::worker});
+        reload = live.reload({.granted = Restart::worker});
+    } catch (const std::exception& error) {
         reopen_log(live.now()->log);
-        if (!reload.pending.changes.empty())
-            log_lines(Level::info, "pending", text_of(reload.pending));
-        log_lines(Level::info, "reloaded", text_of(reload.changes));
-        return reload.changes.restart;
-    } catch (const app::LoadError& error) {
-        reopen_log(live.now()->log);
-        log_lines(Level::error, "nothing reloaded", error.message());
+        log_lines(Level::error, "nothing reloaded", velmora::message_of(error));
         return Restart::none;
     }
+    reopen_log(live.now()->log);
+    if (!reload.pending.changes.empty()) log_lines(Level::info, "pending", text_of(reload.pending));
+    log_lines(Level::info, "reloaded", text_of(reload.changes));
+    return reload.changes.restart;
 }
 
 }  // namespace
 
 void serve(app::Live<Config>& live) {
     const sigset_t signals = signals_held();
+    // Whoever reads what is written may leave.
+    ::signal(SIGPIPE, SIG_IGN);
     const app::Snapshot<Config> start = live.now();
     open_log(start->log);
     const Descriptor listener = listening(start->server);
-    std::optional<Workers> workers(std::in_place, live, listener);
+    auto workers = std::make_unique<Workers>(live, listener);
     log().log(Level::info, "listening on %s port %s", start->server.host, start->server.port);
     for (int signal = 0; ::sigwait(&signals, &signal) == 0 && signal == SIGHUP;) {
         if (reload(live) == Restart::none) continue;
-        workers->end();
-        workers.emplace(live, listener);
+        const auto ending = std::exchange(workers, std::make_unique<Workers>(live, listener));
+        ending->end();
         log().log(Level::info, "the workers have restarted");
     }
     workers->end();

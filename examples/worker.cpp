@@ -48,10 +48,10 @@ int milliseconds_until(Moment deadline) {
 }  // namespace
 
 void Worker::run(const Descriptor& life) {
-    for (;;) {
-        const bool has_room = connections_.size() < most_connections;
-        std::vector<pollfd> polled = {{life.get(), POLLIN, 0},
-                                      {has_room ? listener_.get() : -1, POLLIN, 0}};
+    while (!ending_ || !connections_.empty()) {
+        const bool takes_more = !ending_ && connections_.size() < most_connections;
+        std::vector<pollfd> polled = {{ending_ ? -1 : life.get(), POLLIN, 0},
+                                      {takes_more ? listener_.get() : -1, POLLIN, 0}};
         Moment next = Moment::max();
         for (const Connection& each : connections_) {
             const short event = each.out.empty() ? POLLIN : POLLOUT;
@@ -60,14 +60,15 @@ void Worker::run(const Descriptor& life) {
         }
         if (::poll(polled.data(), polled.size(), milliseconds_until(next)) == -1 && errno != EINTR)
             fail("poll");
-        if (polled[0].revents != 0) return;
+        ending_ = ending_ || polled[0].revents != 0;
         const Moment now = moment();
         auto state = polled.begin() + 2;
         for (auto each = connections_.begin(); each != connections_.end(); ++state) {
             const bool stays = state->revents == 0 || exchange(*each, now);
-            each = stays && now < each->deadline ? std::next(each) : connections_.erase(each);
+            const bool is_due = now >= each->deadline || (ending_ && each->idle);
+            each = stays && !is_due ? std::next(each) : connections_.erase(each);
         }
-        if (polled[1].revents != 0) accept_connections(now);
+        if (!ending_ && polled[1].revents != 0) accept_connections(now);
     }
 }
 
@@ -96,6 +97,7 @@ bool Worker::exchange(Connection& connection, Moment now) {
         // Closed with something unread, the connection would take its last answer with it.
         if (connection.ending) return true;
         if (connection.in.empty()) connection.deadline = now + patience;
+        connection.idle = false;
         connection.in.append(bytes.data(), static_cast<std::size_t>(count));
     }
     return answer(connection, now);
@@ -109,18 +111,19 @@ bool Worker::answer(Connection& connection, Moment now) {
             if (!request) return true;
             const velmora::app::Snapshot<Config> config = live_.now();
             connection.keep_alive = config->server.keep_alive;
-            request->close = request->close || connection.keep_alive == Seconds(0);
+            request->close = request->close || connection.keep_alive == Seconds(0) ||
+                             (ending_ && connection.in.empty());
             connection.ending = request->close;
             connection.out = answer_to(*request, *config, now);
         }
-        const ssize_t count = ::send(connection.socket.get(), connection.out.data(),
-                                     connection.out.size(), MSG_NOSIGNAL);
+        const ssize_t count =
+            ::send(connection.socket.get(), connection.out.data(), connection.out.size(), 0);
         if (count == -1) return must_wait();
         connection.out.erase(0, static_cast<std::size_t>(count));
         if (!connection.out.empty()) continue;
         if (connection.ending) ::shutdown(connection.socket.get(), SHUT_WR);
-        const bool idle = connection.in.empty() && !connection.ending;
-        connection.deadline = now + (idle ? connection.keep_alive : patience);
+        connection.idle = connection.in.empty() && !connection.ending;
+        connection.deadline = now + (connection.idle ? connection.keep_alive : patience);
     }
 }
 

@@ -18,8 +18,8 @@ public:
     Worker(const velmora::app::Live<Config>& live, const Descriptor& listener, unsigned number)
         : live_(live), listener_(listener), number_(number) {}
 
-    /// Answers until the other end of the pipe `life` is closed. Throws std::system_error when the
-    /// system is out of means.
+    /// Answers until the other end of the pipe `life` is closed, and then those who are connected and
+    /// await an answer or have had none. Throws std::system_error when the system is out of means.
     void run(const Descriptor& life);
 
 private:
@@ -31,6 +31,8 @@ private:
         std::string out = {};
         /// Whether it ends with what is in `out`.
         bool ending = false;
+        /// Whether all that came in is answered.
+        bool idle = false;
         /// How long it is kept open after that.
         Seconds keep_alive = {};
     };
@@ -47,6 +49,8 @@ private:
     const Descriptor& listener_;
     /// Which of the workers it is.
     unsigned number_;
+    /// Whether it takes no more connections and closes those that it has.
+    bool ending_ = false;
     ResponseCache cache_;
     std::list<Connection> connections_;
     std::uint64_t made_ = 0;

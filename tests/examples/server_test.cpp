@@ -1,4 +1,8 @@
 // The example daemon: what it makes of requests, what it keeps, and how it answers over its sockets.
+#include "server.hpp"
+
+#include <csignal>
+#include <stdexcept>
 #include <tuple>
 
 #include <netinet/in.h>
@@ -8,6 +12,8 @@
 #include "command_line.hpp"
 #include "descriptor.hpp"
 #include "http.hpp"
+
+namespace app = velmora::app;
 
 namespace {
 
@@ -99,9 +105,11 @@ protected:
             last() { get "$1" "$2" "Connection: close\r\n"; cat <&3; }
             ask() { get "$1"; while read -r line <&3; do echo "$line"; [[ $line != *esponse* ]] || break; done; }
             connect() { exec 3<>/dev/tcp/127.0.0.1/$port; }
+            half() { printf "GET $1 " >&3; exec 4<&3; connect; }
+            rest() { printf "HTTP/1.1\r\nHost: a\r\n\r\n" >&4; cat <&4; }
             await() { until grep -s "$1" $2 || ! kill -0 $pid; do sleep 0.01; done; }
             hup() { mv log old; echo "$1" >f.yaml; kill -HUP $pid; await loaded log; }
-            : >f.yaml
+            cd $(mktemp -d ./XXX) && : >f.yaml
             $webd run --file f.yaml --set server.port=$port --set server.workers=1 $options & pid=$!
             until (connect) 2>/dev/null || ! kill -0 $pid; do sleep 0.01; done
             (connect; eval "$script") | tr -d "\r" |
@@ -122,7 +130,10 @@ TEST_F(Serve, AnswersUntilASignalComes) {
         {"--set cache.enabled=0", "get /; last /", ok + "Response 1 /|" + ok + close + "Response 2 /|0"},
         {"--set server.maintenance=1", "last /", unavailable + close + "0"},
         {"--set server.keep_alive=0", "get /; cat <&3", ok + close + "Response 1 /|0"},
-        {"--set server.keep_alive=0.1", "get /; cat <&3", ok + "Response 1 /|0"},
+        // One that idles ends before another that is not done with its request.
+        {"--set server.keep_alive=0.1", "half /a; get /; cat <&3; rest", ok + "Response 1 /|" + ok + "Response 2 /a|0"},
+        {"", "kill -STOP $pid; get /; get /; exec 3>&-; kill -CONT $pid; connect; last /a",
+         ok + close + "Response 2 /a|0"},
         {"", "get / POST; cat <&3", "HTTP/1.1 405 Method Not Allowed|Allow: GET, HEAD|" + close + "0"},
         {"", "last / HEAD", ok + close + "0"},
         {"", "echo >&3; get /; cat <&3", "HTTP/1.1 400 Bad Request|" + close + "0"},
@@ -141,6 +152,11 @@ TEST_F(Serve, AnswersUntilASignalComes) {
              "Response 4 /|" + unavailable + close + "0"},
         {to_log, "ask /; hup 'server: {tags: [a, b]}'; cat <&3; connect; last /",
          ok + "Response 1 /|" + ok + tags + close + "Response 1 /|0"},
+        {to_log, "half /a; exec 5<&3; connect; ask /; hup 'server: {tags: [a, b]}'; rest; exec 3<&5; last /b",
+         ok + "Response 1 /|" + ok + tags + close + "Response 2 /a|" + ok + tags + close + "Response 3 /b|0"},
+        {to_log, "ask /a; kill -HUP $pid; await loaded log; last /b; " + log,
+         ok + "Response 1 /a|" + ok + close + "Response 2 /b|" +
+             "X-+0000 info 200 GET /a|X-+0000 info reloaded: Nothing changes.|X-+0000 info 200 GET /b|0"},
         {to_log, "hup '{log: {utc: 0}, server: {host: 0.0.0.0}}'; " + log + "; last /",
          "X-+0200 info pending: server.host: '127.0.0.1' -> '0.0.0.0', takes a restart of the daemon|"
          "X-+0200 info reloaded: log.utc: True -> False, takes no restart|" +
@@ -158,6 +174,25 @@ TEST_F(Serve, AnswersUntilASignalComes) {
     EXPECT_EQ(served("", "last /", "INT"), ok + close + "Response 1 /|0");
     // A worker that cannot go on ends the daemon.
     EXPECT_EQ(served("", "get /; read <&3; prlimit -p $pid -n5; connect; cat <&3", "0"), "1");
+}
+
+TEST_F(Serve, GoesOnAfterWhatACheckThrows) {
+    const auto serve_one_reload = [] {
+        bool reloads = false;
+        const auto check = [&](const Config&) -> std::string {
+            if (!std::exchange(reloads, true)) return "";
+            ::raise(SIGTERM);
+            throw std::runtime_error("no more");
+        };
+        app::Live<Config> live(schema().check({"log.level"}, check), {app::sets({"server.port=" + free_port()})});
+        sigset_t signals;
+        ::sigfillset(&signals);
+        ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+        ::raise(SIGHUP);
+        serve(live);
+        ::_exit(0);
+    };
+    EXPECT_EXIT(serve_one_reload(), testing::ExitedWithCode(0), "error nothing reloaded: no more\n");
 }
 
 }  // namespace

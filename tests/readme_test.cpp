@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include "folder.hpp"
 #include "readme_1.inc"
 #include "readme_4.inc"
 #include "velmora/app/live.hpp"
@@ -64,7 +65,8 @@ std::string output_for(const std::string& content, Program program) {
 }
 
 TEST(Readme, ShowsWhatHappens) {
-    std::filesystem::current_path(testing::TempDir());
+    const velmora::test::Folder folder;
+    std::filesystem::current_path(folder.path(""));
     EXPECT_EQ(output_for(block("yaml"), [] { load({}); }), block("text"));
     EXPECT_THROW(load({"server.port=x"}), app::LoadError);
     EXPECT_THAT(output_for(block("yaml"), live), testing::EndsWith("\n" + block("text", 2)));
@@ -72,6 +74,7 @@ TEST(Readme, ShowsWhatHappens) {
     const std::string defaults = "Server(host='127.0.0.1', port=8080, tags=['a', 'b'])\n";
     for (const char* content : {"", "# server:\n", "- server\n"})
         EXPECT_EQ(output_for(content, read), defaults) << content;
+    std::filesystem::current_path("..");
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "folder.hpp"
 #include "velmora/config/display.hpp"
 #include "velmora/utils/read_file.hpp"
 
@@ -211,8 +212,8 @@ TEST(Load, TakesLittleTimeAndMemory) {
 }
 
 TEST(LoadFile, ReadsAFileOrSaysWhyNot) {
-    const std::filesystem::path directory = testing::TempDir();
-    const std::string name = directory / "velmora_yaml_test.yaml";
+    const test::Folder folder;
+    const std::string directory = folder.path(""), name = folder.path("a.yaml");
     const auto error_in_file = [](const std::string& file) -> Error {
         try {
             load_file(file);
@@ -230,12 +231,12 @@ TEST(LoadFile, ReadsAFileOrSaysWhyNot) {
     std::ofstream(name) << "a: " << std::string(100'000, 'x');
     EXPECT_EQ(load_file(name), ConfigValue(Mapping{{"a", std::string(100'000, 'x')}}));
     EXPECT_EQ(utils::read_file(name, 50'000), "a: " + std::string(49'997, 'x'));
-    std::filesystem::remove(name);
+    folder.remove("a.yaml");
     const Error missing = error_in_file(name);
     EXPECT_EQ(missing.message(), name + ": cannot be read: No such file or directory");
     EXPECT_EQ(missing.file(), name);
     EXPECT_EQ(missing.line() + missing.column(), 0U);
-    EXPECT_EQ(error_in_file(directory).message(), directory.string() + ": cannot be read: Is a directory");
+    EXPECT_EQ(error_in_file(directory).message(), directory + ": cannot be read: Is a directory");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Compiled once for each kind of row that the compiler must refuse, by its line, and for a right one.
+// Compiled once for each kind of row or use that the compiler must refuse, by its line, and for a right one.
 #include <map>
 
 #include "velmora/app/schema.hpp"
@@ -33,3 +33,6 @@ const app::Schema<Config> schema{app::section(&Config::server, "server", "Doc.",
     app::key(&Server::host, "host", "Doc.", {.chocies = {"a"}}),
 #endif
 })};
+#if defined(MEMBERS_OF_A_TEMPORARY)
+const Config& config = *schema.load({});
+#endif

@@ -101,11 +101,16 @@ class Schema;
 template <class Config>
 class Live;
 
-/// A configuration as it was when it was loaded. Immutable; copies share it.
+/// A configuration as it was when it was loaded. Immutable; copies share it. What it refers to lives
+/// as long as a copy does: a temporary one serves for one expression, `live.now()->server.port`, and
+/// not for the range of a loop, which keeps it in a variable:
+///
+///     for (const auto now = live.now(); const std::string& tag : now->server.tags) ...
 template <class Config>
 class Snapshot {
 public:
-    const Config& operator*() const noexcept { return *config_; }
+    const Config& operator*() const& noexcept { return *config_; }
+    const Config& operator*() const&& = delete;
     const Config* operator->() const noexcept { return config_; }
 
     /// Where its values come from, and what else was given.

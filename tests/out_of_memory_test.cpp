@@ -8,32 +8,37 @@
 
 #include <gtest/gtest.h>
 
+#include "allocations.hpp"
 #include "examples/locked_file.hpp"
 #include "folder.hpp"
 #include "support.hpp"
 #include "velmora/utils/logging.hpp"
 
-namespace {
+using velmora::test::allocations_left, velmora::test::living, velmora::test::unlimited;
 
-constexpr long all = -1;
-long allocations_left = all;
-long living = 0;
-
-}  // namespace
-
-void* operator new(std::size_t size) {
+void* operator new(std::size_t size, std::align_val_t alignment) {
     if (allocations_left == 0) throw std::bad_alloc();
     if (allocations_left > 0) --allocations_left;
-    void* const memory = std::malloc(size == 0 ? 1 : size);
+    const auto unit = static_cast<std::size_t>(alignment);
+    void* const memory = std::aligned_alloc(unit, (size + unit) / unit * unit);
     if (memory == nullptr) throw std::bad_alloc();
     ++living;
     return memory;
+}
+void* operator new(std::size_t size) {
+    return operator new(size, std::align_val_t(__STDCPP_DEFAULT_NEW_ALIGNMENT__));
 }
 void operator delete(void* memory) noexcept {
     living -= memory != nullptr ? 1 : 0;
     std::free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
+    operator delete(memory);
+}
+void operator delete(void* memory, std::align_val_t) noexcept {
+    operator delete(memory);
+}
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept {
     operator delete(memory);
 }
 
@@ -67,7 +72,7 @@ void expect_all_or_nothing(ConfigValue (*make)(), void (*act)(const ConfigValue&
             } catch (const std::bad_alloc&) {
                 failed = true;
             }
-            allocations_left = all;
+            allocations_left = unlimited;
             ASSERT_EQ(state(value), failed ? before : after) << "after " << count << " allocations";
         }
         ASSERT_EQ(living, living_before) << "after " << count << " allocations";
@@ -179,7 +184,7 @@ TEST(OutOfMemory, LeavesNoFileOpenOrBehind) {
             failed = false;
         } catch (const std::bad_alloc&) {
         }
-        allocations_left = all;
+        allocations_left = unlimited;
         EXPECT_EQ(entries("/proc/self/fd"), descriptors);
         EXPECT_EQ(entries(folder.path("")), failed ? 0 : 1);
     }

@@ -44,6 +44,7 @@ int wait_for_signal() {
     return SIGHUP;
 }
 void restart_workers() {}
+void announce(const std::string&) {}
 
 void live() {
 #include "readme_3.inc"

@@ -6,6 +6,8 @@
 #include <thread>
 
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "folder.hpp"
 #include "support.hpp"
@@ -270,6 +272,16 @@ TEST_F(Running, TellsThoseWhoSubscribe) {
     for (const char* name : {"t", "s.non", "r.x"})
         EXPECT_THAT(outcome([&] { return telling("", name), ""; }), testing::HasSubstr("ConfigKeyError"));
     EXPECT_THAT(outcome([&] { return ended = live().on_change("s", nullptr), ""; }), testing::HasSubstr("TypeError"));
+
+    told.clear();
+    app::Subscription reported;  // In a reload, and before it puts anything into effect.
+    app::Live<Config> other(schema(), {app::file(folder.path("a")), app::credentials({.directory = folder.path("c")})},
+                            {.report = [&](const app::Fault&) {
+                                reported = other.on_change("s", [&](const app::Plan& plan) { told += brief(plan); });
+                            }});
+    put("a", "s: {none: 3, daemon: 6}\nnothing: 1");
+    other.reload({.despite_faults = true});
+    EXPECT_EQ(told, "none s.none:2>3");
     start();
 }
 
@@ -294,7 +306,7 @@ TEST_F(Running, ThreadsThatEndASubscriptionWaitForIt) {
     EXPECT_TRUE(waited);
 }
 
-TEST_F(Running, ThreadsReadReloadAndSubscribeAtOnce) {
+TEST_F(Running, ThreadsReadReloadSubscribeAndForkAtOnce) {
     start();
     put("c/s.nones", nullptr);
     // Twice the same number, and a fault that is logged.
@@ -319,6 +331,7 @@ TEST_F(Running, ThreadsReadReloadAndSubscribeAtOnce) {
     };
     for (int i = 0; i < 16; ++i) {  // One at least for each copy that is kept for readers.
         repeat([&] {
+            for (int again = 0; again < 1000; ++again) live.now();
             int before = read;
             const app::Snapshot<Config> now = live.now();
             EXPECT_GE(now->s.none, before);
@@ -338,6 +351,11 @@ TEST_F(Running, ThreadsReadReloadAndSubscribeAtOnce) {
         const auto subscription = live.on_change("s.none", [&told](const app::Plan&) { ++told; });
         for (int number = 2; number < 40; ++number) {
             put_number(number);
+            const pid_t child = fork();
+            if (child == 0) _exit(live.now()->s.none);
+            int status = 0;
+            EXPECT_EQ(waitpid(child, &status, 0), child);
+            EXPECT_GE(WEXITSTATUS(status), number - 1);
             live.reload(options);
             EXPECT_EQ(live.now()->s.none, number);
         }

@@ -1,6 +1,5 @@
 #include "velmora/app/live.hpp"
 
-#include <array>
 #include <atomic>
 #include <exception>
 #include <mutex>
@@ -8,6 +7,7 @@
 #include <string>
 #include <thread>
 
+#include "velmora/app/left_right.hpp"
 #include "velmora/app/loading.hpp"
 #include "velmora/utils/errors.hpp"
 #include "velmora/utils/logging.hpp"
@@ -19,21 +19,47 @@ public:
     Entry(std::string name, Subscriber subscriber)
         : name_(std::move(name)), subscriber_(std::move(subscriber)) {}
 
-    void end() {
-        Subscriber ended;
-        const std::lock_guard lock(running_);
-        ended_ = true;
-        if (!telling_) ended.swap(subscriber_);
-    }
-
-    void tell(const Plan& changes) {
+    Plan own_part_of(const Plan& changes) const {
         Plan own;
         for (const Change& change : changes.changes) {
             if (change.label == name_ || change.label.starts_with(name_ + ".")) own.add(change);
         }
-        const std::lock_guard lock(running_);
-        if (ended_ || own.changes.empty()) return;
-        telling_ = true;
+        return own;
+    }
+
+    void tell(const Plan& own) noexcept {
+        teller_ = std::this_thread::get_id();
+        State state = State::subscribed;
+        if (!state_.compare_exchange_strong(state, State::telling)) return;
+        try {
+            call(own);
+        } catch (...) {
+            // Not even the failure could be logged.
+        }
+        state = State::telling;
+        if (state_.compare_exchange_strong(state, State::subscribed)) return;
+        subscriber_ = nullptr;
+        state_ = State::ended;
+        state_.notify_all();
+    }
+
+    void end() noexcept {
+        State state = state_;
+        while (!state_.compare_exchange_weak(
+            state, state == State::telling ? State::ending : State::ended)) {
+        }
+        if (state == State::subscribed) {
+            subscriber_ = nullptr;
+        } else if (teller_ != std::this_thread::get_id()) {
+            state_.wait(State::ending);
+        }
+    }
+
+private:
+    // One that ends while it is being told is let go of by who tells it.
+    enum class State : int { subscribed, telling, ending, ended };
+
+    void call(const Plan& own) const {
         try {
             subscriber_(own);
         } catch (const std::exception& error) {
@@ -41,11 +67,8 @@ public:
         } catch (...) {
             log_failure("it has thrown what is no exception");
         }
-        telling_ = false;
-        if (ended_) subscriber_ = nullptr;
     }
 
-private:
     void log_failure(const utils::LogArgument& what) const {
         utils::logger("velmora.app")
             .log(utils::Level::error, "A subscriber to %s has failed: %s", name_, what);
@@ -53,10 +76,8 @@ private:
 
     std::string name_;
     Subscriber subscriber_;
-    // Recursive, since a subscriber may end its own subscription.
-    std::recursive_mutex running_;
-    bool telling_ = false;
-    bool ended_ = false;
+    std::atomic<State> state_ = State::subscribed;
+    std::atomic<std::thread::id> teller_;
 };
 
 Subscription& Subscription::operator=(Subscription&& other) noexcept {
@@ -74,61 +95,31 @@ public:
     Data(Declaration declaration, std::vector<Layer> layers, LoadOptions options)
         : declaration_(std::move(declaration)),
           layers_(std::move(layers)),
-          options_(std::move(options)) {
-        put(declaration_.load(layers_, options_));
-    }
+          options_(std::move(options)),
+          values_(shares_of(declaration_.load(layers_, options_))) {}
 
-    Values get() const {
-        const Stripe& own = stripes_[own_stripe()];
-        const std::lock_guard lock(own.mutex);
-        return Values(own.values);
-    }
-
+    Values get() const noexcept { return Values(values_.get()); }
     Reload reload(const ReloadOptions& how);
     Subscription subscribe(std::string_view name, Subscriber subscriber);
 
 private:
-    static constexpr std::size_t cache_line = 64;
-    static constexpr std::size_t stripe_count = 16;
-
-    // The values once more, for some of the threads: each stripe has a mutex and, in `Owner`, a count of
-    // owners that others do not write to, so that reading threads hardly ever meet.
-    struct alignas(cache_line) Stripe {
-        mutable std::mutex mutex;
-        std::shared_ptr<const Values::Data> values;
-    };
-    struct alignas(cache_line) Owner {
-        Values values;
+    using Shares = LeftRight<Values::Data>::Shares;
+    struct Notice {
+        std::shared_ptr<Subscription::Entry> to;
+        Plan changes;
     };
 
-    static std::size_t own_stripe() noexcept {
-        static std::atomic<std::size_t> threads = 0;
-        thread_local const std::size_t own = threads++ % stripe_count;
-        return own;
-    }
-
-    void put(const Values& values);
-    void tell(const Plan& changes);
+    static Shares shares_of(const Values& values) { return Shares(values.data_.share()); }
 
     Declaration declaration_;
     std::vector<Layer> layers_;
     LoadOptions options_;
-    std::array<Stripe, stripe_count> stripes_;
+    LeftRight<Values::Data> values_;
     std::mutex reloading_;
     std::atomic<std::thread::id> reloader_;
     std::mutex subscribing_;
     std::vector<std::weak_ptr<Subscription::Entry>> subscribed_;
 };
-
-void LiveValues::Data::put(const Values& values) {
-    std::array<std::shared_ptr<const Values::Data>, stripe_count> all;
-    for (auto& each : all)
-        each = {std::make_shared<const Owner>(Owner{values}), values.data_.get()};
-    // At once, so that no thread reads older values than another has read before.
-    std::array<std::unique_lock<std::mutex>, stripe_count> locks;
-    for (std::size_t i = 0; i < stripe_count; ++i) locks[i] = std::unique_lock(stripes_[i].mutex);
-    for (std::size_t i = 0; i < stripe_count; ++i) stripes_[i].values.swap(all[i]);
-}
 
 Reload LiveValues::Data::reload(const ReloadOptions& how) {
     const auto self = std::this_thread::get_id();
@@ -144,20 +135,22 @@ Reload LiveValues::Data::reload(const ReloadOptions& how) {
     const Values before = get();
     const Values after = Loading(declaration_, layers_, options_).reload(before, how);
     Reload done = {plan(before, after), pending(after)};
-    put(after);
-    tell(done.changes);
-    return done;
-}
-
-void LiveValues::Data::tell(const Plan& changes) {
-    std::vector<std::shared_ptr<Subscription::Entry>> all;
+    Shares shares = shares_of(after);
+    std::vector<Notice> notices;
     {
-        const std::lock_guard lock(subscribing_);
+        const std::lock_guard subscribing(subscribing_);
         for (const auto& each : subscribed_) {
-            if (auto entry = each.lock()) all.push_back(std::move(entry));
+            std::shared_ptr<Subscription::Entry> entry = each.lock();
+            if (entry == nullptr) continue;
+            Plan own = entry->own_part_of(done.changes);
+            if (!own.changes.empty()) notices.push_back({std::move(entry), std::move(own)});
         }
+        // Nothing throws from here on.
+        values_.put(std::move(shares));
     }
-    for (const auto& entry : all) entry->tell(changes);
+    for (const Notice& notice : notices) notice.to->tell(notice.changes);
+    values_.drop_former();
+    return done;
 }
 
 Subscription LiveValues::Data::subscribe(std::string_view name, Subscriber subscriber) {
@@ -179,7 +172,7 @@ LiveValues::LiveValues(Declaration declaration, std::vector<Layer> layers, LoadO
 }
 LiveValues::~LiveValues() = default;
 
-Values LiveValues::now() const {
+Values LiveValues::now() const noexcept {
     return data_->get();
 }
 

@@ -8,8 +8,8 @@
 //
 //     try {                                             // on SIGHUP
 //         std::cout << text_of(live.reload().changes);
-//     } catch (const app::LoadError& error) {           // nothing has changed
-//         for (const app::Fault& fault : error.faults()) std::cerr << fault;
+//     } catch (const std::exception& error) {           // a LoadError or another; nothing has changed
+//         std::cerr << error.what() << '\n';
 //     }
 #pragma once
 
@@ -30,7 +30,7 @@
 namespace velmora::app {
 
 /// Is told by a reload, in its thread, what has come into effect of what it subscribes to. What it
-/// throws is logged to velmora.app as an error.
+/// throws is logged to velmora.app as an error, and does not end the subscription.
 using Subscriber = std::function<void(const Plan& changes)>;
 
 /// Keeps a subscriber subscribed as long as it lives, which may be longer than the values do.
@@ -62,8 +62,12 @@ public:
     LiveValues& operator=(const LiveValues&) = delete;
     ~LiveValues();
 
-    /// Those in effect. Readers hardly ever wait, neither for each other nor for a reload.
-    Values now() const;
+    /// Those in effect. Wait-free: it waits neither for readers nor for a reload, and locks and
+    /// allocates nothing. What it gives is never older than what any thread was given before.
+    ///
+    /// A child process may call it after `fork`, and nothing else of this class; nor may it end
+    /// subscriptions, so that it ends in `_exit` or runs another program.
+    Values now() const noexcept;
 
     /// Loads anew and puts into effect what differs and takes no more restart than granted; the
     /// rest stays as it was, pending. Checks are made of the values that then hold together; those
@@ -73,9 +77,11 @@ public:
     /// `options` allow for it; then everything is as it was, and nothing has been reported.
     ///
     /// Faults are reported before anything comes into effect; what a report or a check throws
-    /// passes, and nothing has changed. Subscribers are told afterwards, in the order in which they
-    /// subscribed. One reload is made at a time, others wait; not for signal handlers. Throws
-    /// std::logic_error when a report, a check or a subscriber calls it.
+    /// passes, and nothing has changed. It throws nothing once the values are in effect: then all
+    /// who subscribed before are told, in the order in which they subscribed, and it returns when no
+    /// thread is within a `now` that began with the old ones. One reload is made at a time, others
+    /// wait; not for signal handlers. Throws std::logic_error when a report, a check or a subscriber
+    /// calls it.
     Reload reload(const ReloadOptions& options = {});
 
     /// Has later reloads tell `subscriber` of changes to the key of this label, or to any key of the
@@ -94,9 +100,11 @@ public:
     explicit Live(const Schema<Config>& schema, std::vector<Layer> layers, LoadOptions options = {})
         : values_(schema.declaration(), std::move(layers), std::move(options)) {}
 
-    /// Those in effect; they live as long as the snapshot does, so a loop over a list keeps it in a
-    /// variable.
-    Snapshot<Config> now() const {
+    /// Those in effect, as `LiveValues::now`. They live as long as the snapshot does, so a loop keeps
+    /// it:
+    ///
+    ///     for (const auto now = live.now(); const std::string& tag : now->server.tags) ...
+    Snapshot<Config> now() const noexcept {
         return Snapshot<Config>([this] { return values_.now(); });
     }
     Reload reload(const ReloadOptions& options = {}) { return values_.reload(options); }

@@ -34,6 +34,8 @@ TEST(OutOfMemory, ReloadsChangeAllAndTellAllOrNothing) {
         }));
     }
     utils::set_sink([&](const utils::LogRecord&) { ++logged; });
+    utils::logger("velmora.app");
+    const long living_before = living;
     for (long count = 0; logged < 2; ++count) {
         folder.write("f", "s: {number: " + std::to_string(held + 1) + "}");
         allocations_left = count;
@@ -43,6 +45,7 @@ TEST(OutOfMemory, ReloadsChangeAllAndTellAllOrNothing) {
         } catch (const std::bad_alloc&) {
         }
         allocations_left = unlimited;
+        ASSERT_EQ(living, living_before) << "after " << count << " allocations";
         ASSERT_EQ(live.now()->s.number, held) << "after " << count << " allocations";
         ASSERT_EQ(told, (std::array{held, held, held})) << "after " << count << " allocations";
     }

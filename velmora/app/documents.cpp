@@ -1,6 +1,4 @@
 // Layers that are mappings of sections: values, YAML texts, files and directories.
-#include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -39,21 +37,21 @@ private:
     std::string name_;
 };
 
-bool is_missing(const std::error_code& error) {
-    return error == std::errc::no_such_file_or_directory;
-}
-
-void add_unreadable(Intake& intake, const std::string& path, const std::error_code& error) {
+void add_unreadable(Intake& intake, const std::string& path, const utils::FileError& error) {
     intake.add_error(FaultKind::unusable_source, "", path,
-                     utils::one_line(path) + ": cannot be read: " + error.message());
+                     utils::one_line(path) + ": cannot be read: " + error.what());
 }
 
-void take_file(Intake& intake, const std::string& path, bool optional) {
+bool is_missing(const utils::FileError& error) {
+    return error.kind() == utils::FileError::Kind::missing;
+}
+
+void take_file(Intake& intake, const std::string& path, bool optional, std::size_t most_bytes) {
     std::string text;
     try {
-        text = utils::read_file(path);
-    } catch (const std::system_error& error) {
-        if (!(optional && is_missing(error.code()))) add_unreadable(intake, path, error.code());
+        text = utils::read_regular_file(path, most_bytes);
+    } catch (const utils::FileError& error) {
+        if (!(optional && is_missing(error))) add_unreadable(intake, path, error);
         return;
     }
     if (!text.empty()) intake.add_file(path);
@@ -63,40 +61,37 @@ void take_file(Intake& intake, const std::string& path, bool optional) {
 class OfFile final : public detail::Source {
 public:
     OfFile(std::string path, FileOptions options)
-        : Source(options.on_fault), path_(std::move(path)), optional_(options.optional) {}
+        : Source(options.on_fault), path_(std::move(path)), options_(options) {}
 
     bool is_document() const noexcept override { return true; }
-    void give(Intake& intake) const override { take_file(intake, path_, optional_); }
+    void give(Intake& intake) const override {
+        take_file(intake, path_, options_.optional, options_.most_bytes);
+    }
 
 private:
     std::string path_;
-    bool optional_;
+    FileOptions options_;
 };
 
 class OfDirectory final : public detail::Source {
 public:
     OfDirectory(std::string path, DirectoryOptions options)
-        : Source(options.on_fault), path_(std::move(path)), optional_(options.optional) {}
+        : Source(options.on_fault), path_(std::move(path)), options_(options) {}
 
     void give(Intake& intake) const override {
-        std::vector<std::string> files;
-        std::error_code error;
-        std::filesystem::directory_iterator entries(path_, error);
-        for (; !error && entries != std::filesystem::directory_iterator();
-             entries.increment(error)) {
-            const std::string name = entries->path().filename().string();
-            if (name.ends_with(".yaml") && !name.starts_with('.'))
-                files.push_back(entries->path().string());
-        }
-        if (error) {
-            if (!(optional_ && is_missing(error))) add_unreadable(intake, path_, error);
+        std::vector<std::string> names;
+        try {
+            names = utils::OpenFolder(path_).names();
+        } catch (const utils::FileError& error) {
+            if (!(options_.optional && is_missing(error))) add_unreadable(intake, path_, error);
             return;
         }
-        std::sort(files.begin(), files.end());
-        for (const std::string& each : files) {
-            // A pipe would be waited for.
+        for (const std::string& name : names) {
+            if (!name.ends_with(".yaml")) continue;
+            const std::string each = utils::path_in(path_, name);
+            std::error_code error;
             if (std::filesystem::is_regular_file(each, error) || error) {
-                take_file(intake, each, false);
+                take_file(intake, each, false, options_.most_bytes);
             } else {
                 intake.add_fault(FaultKind::unusable_source, "", each,
                                  intake.ignoring() + utils::one_line(each) + ": it is no file");
@@ -106,7 +101,7 @@ public:
 
 private:
     std::string path_;
-    bool optional_;
+    DirectoryOptions options_;
 };
 
 template <class Source, class... Arguments>

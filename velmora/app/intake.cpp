@@ -1,7 +1,6 @@
 #include "velmora/app/intake.hpp"
 
 #include <algorithm>
-#include <system_error>
 #include <utility>
 
 #include "velmora/config/display.hpp"
@@ -59,7 +58,7 @@ Fault& Intake::add_advice(FaultKind kind, std::string key, std::string source,
 std::optional<std::string> Intake::read_text(const std::string& label, const std::string& path,
                                              const std::string& source) {
     try {
-        std::string text = utils::read_file(path);
+        std::string text = utils::read_regular_file(path, most_file_bytes);
         for (const std::string_view end : {"\r\n", "\n"}) {
             if (!text.ends_with(end)) continue;
             text.resize(text.size() - end.size());
@@ -67,12 +66,12 @@ std::optional<std::string> Intake::read_text(const std::string& label, const std
         }
         if (!text.empty()) add_file(path);
         return text;
-    } catch (const std::system_error& error) {
+    } catch (const utils::FileError& error) {
         // What is given as a path may be the secret itself.
         const std::string what =
             source == path ? ": cannot be read: " : ": its file cannot be read: ";
         add_error(FaultKind::unusable_source, label, source,
-                  utils::one_line(source) + what + error.code().message());
+                  utils::one_line(source) + what + error.what());
         return std::nullopt;
     }
 }

@@ -21,6 +21,7 @@
 //     no value    null in YAML, for optional keys; no text says it
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <optional>
@@ -56,15 +57,22 @@ struct ValuesOptions {
     OnFault on_fault = OnFault::warn;
 };
 
+/// The most bytes of a file, where nothing else is said.
+inline constexpr std::size_t most_file_bytes = std::size_t{64} << 20U;
+
 struct FileOptions {
     /// Whether the file may be missing, which then is as good as an empty one.
     bool optional = false;
+    /// The most bytes that it may have.
+    std::size_t most_bytes = most_file_bytes;
     OnFault on_fault = OnFault::warn;
 };
 
 struct DirectoryOptions {
     /// Whether the directory may be missing, which then is as good as an empty one.
     bool optional = true;
+    /// The most bytes that each of its files may have.
+    std::size_t most_bytes = most_file_bytes;
     OnFault on_fault = OnFault::warn;
 };
 
@@ -101,7 +109,8 @@ VELMORA_EXPORT Layer values(config::ConfigValue value, std::string name,
 /// What a YAML text holds, which messages call `name`.
 VELMORA_EXPORT Layer text(std::string yaml, std::string name, ValuesOptions options = {});
 
-/// A YAML file. One that cannot be read or is no YAML is an error always.
+/// A YAML file. One that cannot be read or is no YAML is an error always, and so is a pipe, a socket
+/// or a device, none of which are waited for; /dev/null is an empty file.
 VELMORA_EXPORT Layer file(std::string path, FileOptions options = {});
 
 /// The files of a directory whose names end in ".yaml", the later in the order of the bytes of their

@@ -1,7 +1,6 @@
 #include "velmora/yaml/yaml.hpp"
 
 #include <string>
-#include <system_error>
 
 #include "velmora/utils/read_file.hpp"
 #include "velmora/yaml/parse.hpp"
@@ -33,8 +32,8 @@ config::ConfigValue load_file(const std::filesystem::path& path) {
     std::string text;
     try {
         text = utils::read_file(name, enough);
-    } catch (const std::system_error& error) {
-        throw Error(name, "cannot be read: " + error.code().message());
+    } catch (const utils::FileError& error) {
+        throw Error(name, std::string("cannot be read: ") + error.what());
     }
     return load(text, name);
 }

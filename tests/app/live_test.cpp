@@ -42,7 +42,7 @@ const app::Schema<Config>& schema() {
                              app::key(&Part::worker, "worker", "Worker.", {.restart = Restart::worker}),
                              app::key(&Part::daemon, "daemon", "Daemon."),
                              app::key(&Part::nones, "nones", "As many.", {.restart = Restart::none}),
-                             app::key(&Part::limit, "limit", "Limit."),
+                             app::key(&Part::limit, "limit", "Limit.", {.secret = true}),
                              app::required(&Part::token, "token", "Token.", {.secret = true}),
                          }),
             app::raw(&Config::r, "r", "Read as a whole.", {.restart = Restart::worker}),
@@ -90,15 +90,25 @@ protected:
         return folder.local(printed);
     }
 
+    app::Layer variables(app::EnvironmentOptions options) const {
+        options.prefix = "W_";
+        options.variables = {{"W_S_LIMIT_FILE", folder.path("t")}};
+        return app::environment(options);
+    }
+
     app::Live<Config>& live() const { return *live_; }
     void start() {
         put("a", "s: {none: 1, daemon: 5}\nr: [1]");
         put("d", nullptr);
         put("d/1.yaml", "s: {worker: 1}");
+        put("b", "x-b: 1");
+        put("c", nullptr);
         put("c/s.token", "t0ken");
         put("c/s.nones", "x");
+        put("t", "2");
         live_.emplace(schema(),
-                      std::vector{app::file(folder.path("a"), {.optional = true}), app::directory(folder.path("d")),
+                      std::vector{variables({}), app::file(folder.path("a"), {.optional = true}),
+                                  app::file(folder.path("b"), {.optional = true}), app::directory(folder.path("d")),
                                   app::credentials({.directory = folder.path("c")})},
                       app::LoadOptions{.report = [this](const app::Fault& each) { printed += "\n" + one_line(each); }});
     }
@@ -126,14 +136,14 @@ TEST_F(Running, ReloadsPutIntoEffectWhatTheyMay) {
         app::ReloadOptions options;
         std::string expected;
     };
-    const Row rows[] = {
+    std::vector<Row> rows = {
         {"a", "r: [1]\ns: {daemon: 5, none: 1}", {none}, "115[1] none | none"},
         {"a", changed, {none}, "215[1] none s.none:1>2 | daemon s.daemon:5>6 r:(secret)>(secret)"},
         {"a", changed, {worker}, "215[2] worker s.none:1>2 r:(secret)>(secret) | daemon s.daemon:5>6"},
         {"a", changed, {daemon}, "216[2] daemon s.none:1>2 s.daemon:5>6 r:(secret)>(secret) | none"},
         {"a", "s: {none: 1}", {none}, "115[1] none | daemon s.daemon:5>9 r:(secret)>None"},
         {"a", "s: {none: 1, daemon: 5, worker: 3}\nr: [1]", {daemon}, "115[1] none | none"},
-        {"a", "s: {none: 1, daemon: 5, limit: 3}\nr: [1]", {none}, "115[1] none | daemon s.limit:None>3"},
+        {"a", "s: {none: 1, daemon: 5, limit: 3}\nr: [1]", {none}, "115[1] none | daemon s.limit:(secret)>(secret)"},
         {"a", "s: {none: 1, daemon: 5}\nr: [1.0]", {none}, "115[1] none | worker r:(secret)>(secret)"},
         {"c/s.token", "0ther", {none}, "115[1] none | daemon s.token:(secret)>(secret)"},
         {"c/s.token", "0ther", {daemon}, "115[1] daemon s.token:(secret)>(secret) | none"},
@@ -146,28 +156,42 @@ TEST_F(Running, ReloadsPutIntoEffectWhatTheyMay) {
         {"a", "/", {daemon}, "\nerror: a: cannot be read: Is a directory"},
         {"d/2.yaml", "/", {daemon}, "\nerror: Refusing d/2.yaml: it is no file"},
         {"d", "x", {daemon}, "\nerror: d: cannot be read: Not a directory"},
-        {"c/s.token", "", {daemon}, "\nerror: s.token must be given a value: Token.\nerror: c/s.token: is gone *"},
         {"a", both_6, {none}, at_none + "s.daemon is 5 until a restart, s.none is 6 from a:1:11)"},
         {"a", both_6, {daemon}, "616None daemon s.none:1>6 s.daemon:5>6 r:(secret)>None | none"},
         {"a", daemon_0, {none}, restart_fails},
         {"a", daemon_0, {daemon}, at_daemon + "s.daemon is 0 from a:1:22, s.none is 1 from a:1:11)"},
 
-        {"a", nullptr, {daemon}, "\nerror: a: is gone or empty, which it was not before (to *"},
-        {"a",
-         "",
+        {"a", nullptr, {daemon}, "\nerror: a: is gone (to do without its values, restart)"},
+        {"b", nullptr, {daemon}, "\nerror: b: is gone (*"},
+        {"b", "#", {daemon}, "\nerror: b: has nothing in it any more (*"},
+        {"a", "s: ~\nr: [1]", {daemon}, "\nerror: a: its section s is empty, which it was not before (*"},
+        {"a", "r: [1]\ns: {}", {daemon}, "\nerror: a: its section s *"},
+        {"a", "# webd\ns:", {daemon}, "\nerror: a: its section s *"},
+        {"a", "s: {none: 1}\nr: ~", {daemon}, "\nerror: a: its section r *"},
+        {"a", "s:\nr:", {daemon}, "\nerror: a: its section s *"},
+        {"a", "s: {none: 1, daemon: 5}\nr: {}", {daemon}, "115{} worker r:(secret)>(secret) | none"},
+        {"a", "r: [1]", {none}, "015[1] none s.none:1>0 | daemon s.daemon:5>9"},
+        {"a", "s: {none: 1, daemon: 5}", {daemon}, "115None worker r:(secret)>None | none"},
+        {"d/1.yaml", nullptr, {daemon}, "\nerror: d: has nothing in it any more (*"},
+        {"d/1.yaml", "#", {daemon}, "\nerror: d/1.yaml: has nothing *"},
+        {"d", nullptr, {daemon}, "\nerror: d: is gone (*"},
+        {"c/s.nones", nullptr, {daemon}, "\nerror: c/s.nones: is gone (*"},
+        {"c/s.nones", "\r\n", {daemon}, "\nerror: c/s.nones: has nothing *"},
+        {"c/s.token",
+         "\n",
          {daemon},
-         "\nerror: a: is gone or empty, which it was not before (to do without its values, restart)"},
-        {"a", "#", {none}, "015[1] none s.none:1>0 | daemon s.daemon:5>9 r:(secret)>None"},
-        {"d/1.yaml", nullptr, {daemon}, "\nerror: d/1.yaml: is gone or empty, which it was not before (to *"},
-        {"d", nullptr, {daemon}, "\nerror: d/1.yaml: is gone or empty, which it was not before (to *"},
-        {"c/s.nones", nullptr, {daemon}, "\nerror: c/s.nones: is gone *"},
-        {"c/s.nones", "\r\n", {daemon}, "\nerror: c/s.nones: is gone *"},
+         "\nerror: s.token must be given a value: Token. (c/s.token is empty)\nerror: c/s.token: has nothing *"},
+        {"c", nullptr, {daemon}, "\nerror: s.token must be given a value: Token.\nerror: c: is gone (*"},
+        {"t", "\n", {daemon}, "\nerror: $W_S_LIMIT_FILE: its file has nothing *"},
+        {"a", "[1]", faulty, "\na:1:1: Ignoring a: it is a list, not a mapping of sections\nerror: a: has nothing *"},
         {"a", "s: {nome: 2}", gone, "\na:1:5: error: Refusing *"},
-        {"d/1.yaml", "/", faulty, "\nIgnoring d/1.yaml: it is no file\nerror: d/1.yaml: is gone *"},
-        {"d", nullptr, faulty, "\nerror: d/1.yaml: is gone or empty, which it was not before (to *"},
+        {"d/1.yaml", "/", faulty, "\nIgnoring d/1.yaml: it is no file\nerror: d: has nothing *"},
+        {"d", nullptr, faulty, "\nerror: d: is gone *"},
         {"c/s.token", nullptr, gone, "\nerror: s.token must be given a value: Token."},
         {"a", nullptr, gone, "015[1] none s.none:1>0 | daemon s.daemon:5>9 r:(secret)>None"},
+        {"a", "s:\nr: [1]", gone, "015[1] none s.none:1>0 | daemon s.daemon:5>9"},
         {"d", nullptr, gone, "115[1] none | worker s.worker:1>0"},
+        {"c/s.nones", "", gone, "115[1] none s.nones:['x']>[] | none"},
 
         {"a", "s: {none: x, daemon: x}", faulty,
          "015[1] none s.none:1>0 | daemon s.daemon:5>9 r:(secret)>None\na:1:11: Ignoring s.none in a: Cannot set "
@@ -182,6 +206,8 @@ TEST_F(Running, ReloadsPutIntoEffectWhatTheyMay) {
         {"a", "s: {", faulty, "\na:1:5: error: *"},
         {"a", both_6, faulty, at_none + "*"},
     };
+    for (const char* empty : {"", "\n", " ", "# webd\n", "---\n", "~", "{}", "\xef\xbb\xbf"})
+        rows.push_back({"a", empty, {daemon}, "\nerror: a: has nothing in it any more (*"});
     for (const auto& [file, content, options, expected] : rows) {
         start();
         put(file, content);
@@ -210,7 +236,7 @@ TEST_F(Running, KeepsWhatIsPendingUntilItHolds) {
     put("a", "s: {nome: 1}");
     put("d/1.yaml", nullptr);
     EXPECT_THAT(reload(), testing::HasSubstr("Refusing"));
-    EXPECT_THAT(reload({.despite_faults = true}), testing::HasSubstr("d/1.yaml: is gone"));
+    EXPECT_THAT(reload({.despite_faults = true}), testing::HasSubstr("d: has nothing"));
     put("d/1.yaml", "s: {worker: 1}");
     EXPECT_EQ(brief(pending(live().now().values())), "daemon s.daemon:5>6 r:(secret)>None");
     put("a", nullptr);
@@ -225,8 +251,34 @@ TEST_F(Running, KeepsWhatIsPendingUntilItHolds) {
     EXPECT_EQ(reload(), "015[1] none | daemon s.daemon:5>7");
     EXPECT_THAT(daemon(), testing::HasSubstr("pending  7  " + path("d/2\\x1b.yaml:1:13\n")));
     EXPECT_EQ(text_of(explain(live().now().values(), "s.none")).find("pending"), std::string::npos);
+    put("d/2\x1b.yaml", "#");
+    EXPECT_THAT(reload(), testing::HasSubstr("d/2\\x1b.yaml: has nothing"));
+    // A drop-in less is a change, as long as there is another file.
     put("d/2\x1b.yaml", nullptr);
-    EXPECT_THAT(reload(), testing::HasSubstr("d/2\\x1b.yaml: is gone"));
+    EXPECT_EQ(reload(), "015[1] none | none");
+    put("d/1.yaml", "#");
+    EXPECT_EQ(reload({.despite_missing_files = true}), "015[1] none | worker s.worker:1>0");
+    put("d/1.yaml", nullptr);
+    EXPECT_EQ(reload(), "015[1] none | worker s.worker:1>0");
+}
+
+TEST_F(Running, KnowsTheFilesOfKeysByTheKeys) {
+    start();
+    put("c/s.old", "1");
+    EXPECT_THAT(reload(), testing::StartsWith("115[1] none | none\nadvice: "));
+    put("c/s.old", nullptr);
+    put("c/s.none", "1");
+    EXPECT_EQ(reload(), "115[1] none | none");
+    put("c/s.nones", nullptr);
+    put("c/s.none", "/");
+    EXPECT_THAT(reload(), testing::MatchesRegex("115.1.\nerror: c/s.none: cannot be read: [^\n]*\nerror: c/s.nones: is "
+                                                "gone [^\n]*"));
+    put("c/s.none", nullptr);
+    app::Live<Config> counting(schema(),
+                               {app::credentials({.directory = folder.path("c")}), variables({.empty_counts = true})});
+    put("t", "");
+    EXPECT_THAT(outcome([&] { return brief(counting.reload().changes); }),
+                testing::StartsWith("another error: error: Refusing s.limit from $W_S_LIMIT_FILE: "));
 }
 
 TEST_F(Running, TellsThoseWhoSubscribe) {

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include "folder.hpp"
 #include "support.hpp"
@@ -21,6 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace config;
 using test::Folder;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -142,14 +144,31 @@ TEST(Layers, ComeFromFilesAndFolders) {
     fs::create_symlink("server.limit", folder.path("u\x1b/server.limit"));
     folder.write("k/server.port", "hidden");
     folder.write("k/log.level", "hidden");
-    const std::string missing = folder.path("missing");
+    for (const char* name : {"1.yaml", "2.yml", "3.YaML", ".4.yml", "yml"})
+        folder.write(std::string("n/") + name, "log:");
+    for (const char* name : {"server_limit", "server.limits", ".server.limit", "tls"})
+        folder.write(std::string("m/") + name, "1");
+    folder.write("q/1.yaml", "s: {");
+    folder.write("p/server.port", "");
+    fs::create_symlink("loop", folder.path("loop"));
+    folder.write("big", "");
+    fs::resize_file(folder.path("big"), 5'000'000'000);
+    folder.write("o/server.limit", "");
+    fs::resize_file(folder.path("o/server.limit"), most_file_bytes + 1);
+    ASSERT_EQ(mkfifo(folder.path("fifo").c_str(), 0600), 0);
+    ASSERT_EQ(mkfifo(folder.path("m/log.level").c_str(), 0600), 0);
+    ASSERT_EQ(mkfifo(folder.path("e/4.yaml").c_str(), 0600), 0);
+    ASSERT_EQ(mknod(folder.path("socket").c_str(), S_IFSOCK | 0600, 0), 0);
+    const std::string missing = folder.path("missing"), in_place =
+                                                            ": it is a pipe, a socket or a device: write a file in "
+                                                            "its place";
     const auto now = [&](const std::vector<Layer>& layers) {
         const Loaded loaded = load(webd(), layers);
         const std::string record = loaded.values ? display(loaded.values->record("server")) : "";
         return utils::joined(loaded.faults, "\n") + record.substr(0, record.find(", keep"));
     };
     const Layer a = file(folder.path("a\x1b.yaml"));
-    const std::vector<std::pair<std::vector<Layer>, const char*>> cases = {
+    const std::vector<std::pair<std::vector<Layer>, std::string>> cases = {
         {{a}, "Server(port=1, limit=None, name='a'"},
         {{a, directory(folder.path("d"))}, "Server(port=3, limit=2, name='linked'"},
         {{directory(folder.path("d")), a}, "Server(port=1, limit=2, name='a'"},
@@ -163,10 +182,36 @@ TEST(Layers, ComeFromFilesAndFolders) {
         {{directory(folder.path("a\x1b.yaml"))}, "error: a\\x1b.yaml: cannot be read: Not a directory"},
         {{directory(folder.path("e"), {.on_fault = OnFault::refuse})},
          "error: Refusing e/1\\x1b.yaml: it is no file\nerror: e/2.yaml: cannot be read: No such file or directory\n"
-         "e/3.yaml:1:1: error: Refusing servr in e/3.yaml: there is no such section; did you mean 'server'?"},
+         "e/3.yaml:1:1: error: Refusing servr in e/3.yaml: there is no such section; did you mean 'server'?\n"
+         "error: Refusing e/4.yaml: it is no file"},
         {{file(folder.path("b.yaml"), {.on_fault = OnFault::refuse})},
          "b.yaml:1:16: error: Refusing server.port in the config file: Invalid value for server.port: 0. It must be at "
          "least 1 and at most 65535"},
+        {{file(folder.path("fifo"))}, "error: fifo: cannot be read" + in_place},
+        {{file(folder.path("socket"))}, "error: socket: cannot be read" + in_place},
+        {{file("/dev/zero")}, "error: /dev/zero: cannot be read" + in_place},
+        {{a, file("/dev/null")}, "Server(port=1, limit=None, name='a'"},
+        {{file(folder.path("big"))}, "error: big: cannot be read: it has more than 67108864 bytes"},
+        {{file(folder.path("a\x1b.yaml"), {.most_bytes = 26})}, "Server(port=1, limit=None, name='a'"},
+        {{file(folder.path("a\x1b.yaml"), {.most_bytes = 25})},
+         "error: a\\x1b.yaml: cannot be read: it has more than 25 bytes"},
+        {{file("/proc/self/status", {.most_bytes = 9})},
+         "error: /proc/self/status: cannot be read: it has more than 9 bytes"},
+        {{directory(folder.path("d"), {.most_bytes = 25})},
+         "error: d/10.yaml: cannot be read: it has more than 25 bytes"},
+        {{file("", {.optional = true}), directory("")},
+         "error: '': cannot be read: its path is empty\nerror: '': cannot be read: its path is empty"},
+        {{directory(folder.path("n"))},
+         "advice: n/2.yml: is not read: names must end in \".yaml\"\n"
+         "advice: n/3.YaML: is not read: names must end in \".yaml\"Server(port=8080, limit=None, name='web'"},
+        {{credentials({.directory = folder.path("m")})},
+         "error: m/log.level: cannot be read" + in_place +
+             "\nadvice: m/server.limits: is not read; did you mean 'server.limit'?\n"
+             "advice: m/server_limit: is not read; did you mean 'server.limit'?"},
+        {{credentials({.directory = folder.path("o")})},
+         "error: o/server.limit: cannot be read: it has more than 67108864 bytes"},
+        {{credentials({.directory = folder.path("loop")})},
+         "error: loop: cannot be read: Too many levels of symbolic links"},
         {{credentials({.directory = folder.path("a\x1b.yaml")})}, "error: a\\x1b.yaml: is no directory of credentials"},
         {{credentials({.directory = folder.path("u\x1b")})},
          "error: u\\x1b/server.port: cannot be read: Is a directory\n"
@@ -177,6 +222,37 @@ TEST(Layers, ComeFromFilesAndFolders) {
          "for log.level, a secret that is not shown. It must be a str, one of: debug, info"},
     };
     for (const auto& [layers, expected] : cases) EXPECT_EQ(folder.local(now(layers)), expected);
+
+    const auto port = [](const char* name) {
+        return FieldDecl(name, int_type, required(with_traits(setting(nullptr, "Doc."), {.secret = true})));
+    };
+    const RecordType server("Server", {port("port"), port("limit")});
+    const Declaration needs(
+        RecordType("Config", {{"server", server, section(server, "Doc.", {.restart = Restart::none})}}));
+    const auto variable = [](const std::string& path) {
+        return environment({.prefix = "W_", .variables = {{{"W_SERVER_LIMIT_FILE", path}}}});
+    };
+    const std::vector<std::pair<Layer, std::string>> unknown = {
+        {text("s: {", "f"), ""},
+        {file(missing), ""},
+        {directory(folder.path("e/1\x1b.yaml")), "server.port, server.limit"},
+        {directory(folder.path("q")), ""},
+        {credentials({.directory = folder.path("loop")}), ""},
+        {credentials({.directory = folder.path("o")}), "server.limit, server.port"},
+        {variable(missing), "server.limit, server.port"},
+    };
+    for (const auto& [layer, keys] : unknown) {
+        const Loaded loaded = load(needs, {layer});
+        EXPECT_EQ(utils::joined(loaded.keys), keys);
+    }
+    const Layer empty[] = {text("server:\nlog: {}", "f\x1b"), file(missing, {.optional = true}),
+                           credentials({.directory = folder.path("p")}), variable(folder.path("c/log.level"))};
+    EXPECT_THAT(load(needs, {std::begin(empty), std::end(empty)}).printed,
+                AllOf(HasSubstr("server.limit must be given"),
+                      HasSubstr("= the server section of f\\x1b is empty, " + missing +
+                                " is missing, the file of $W_SERVER_LIMIT_FILE is empty\n"),
+                      HasSubstr("= the server section of f\\x1b is empty, " + missing + " is missing, " +
+                                folder.path("p/server.port") + " is empty\n")));
 }
 
 TEST(Layers, TakeTextsAndYamlByTheirRules) {
@@ -698,7 +774,7 @@ TEST(Faults, CutWhatHoldsUnlessOneFileIsAlone) {
     const Layer null = text("s: {a: ~}", "f");
     EXPECT_THAT(load(long_default, {null}).faults, ElementsAre(HasSubstr("keeping the default '" + wide + "'")));
     EXPECT_THAT(load(long_default, {null, sets({})}).faults,
-                ElementsAre(testing::AllOf(HasSubstr("keeping the default '" + cut), testing::Not(HasSubstr(wide)))));
+                ElementsAre(AllOf(HasSubstr("keeping the default '" + cut), testing::Not(HasSubstr(wide)))));
     const Declaration lists(config_of({{list_of(str_type), setting(List{wide}, "Doc.")}}));
     const auto given = [&](const std::string& value) { return text("s: {a: " + value + "}", "f"); };
     const LoadOptions silent = {.report = [](const Fault&) {}};

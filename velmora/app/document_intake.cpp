@@ -66,18 +66,20 @@ std::string Intake::named(const Document& in) const {
     return alone_ ? "the config file" : utils::one_line(*in.name);
 }
 
-void Intake::take_document(const ConfigValue& root, const std::string& name,
+bool Intake::take_document(const ConfigValue& root, const std::string& name,
                            std::shared_ptr<const yaml::LocatedValue> document) {
-    if (root.is_null()) return;
     const Document in = {source_named(name), std::move(document)};
     const auto* mapping = root.get_if<Mapping>();
+    const bool gives = mapping != nullptr && mapping->size() != 0;
+    add_giver({Giver::Kind::file, gives ? Giver::State::gives : Giver::State::empty, in.name});
+    if (root.is_null()) return false;
     if (mapping == nullptr) {
         Fault& fault = add_fault(FaultKind::unusable_source, "", name,
                                  ignoring() + named(in) + ": it is " +
                                      std::string(root.type_text()) + ", not a mapping of sections");
         place(fault, in.places.get(), in.places != nullptr ? in.places->root() : yaml::Span(),
               declaration().has_secrets());
-        return;
+        return false;
     }
     std::vector<Unknown> unknown;
     const auto& sections = declaration().sections();
@@ -95,19 +97,25 @@ void Intake::take_document(const ConfigValue& root, const std::string& name,
         return a.span.offset < b.span.offset;
     });
     for (const Unknown& each : unknown) add_unknown(in, each);
+    return gives;
 }
 
 void Intake::take_section(const Document& in, std::size_t section, const Mapping& top,
                           const Mapping::Entry& entry, std::vector<Unknown>& unknown) {
     const std::string& name = declaration().sections()[section].name();
-    if (declaration().is_raw(section)) {
-        if (entry.value.is_null()) return;
+    const auto* mapping = entry.value.get_if<Mapping>();
+    const bool raw = declaration().is_raw(section);
+    const bool empty =
+        entry.value.is_null() || (!raw && mapping != nullptr && mapping->size() == 0);
+    if (raw || empty || mapping != nullptr)
+        add_giver({Giver::Kind::section, empty ? Giver::State::empty : Giver::State::gives, in.name,
+                   section});
+    if (entry.value.is_null()) return;
+    if (raw) {
         values_.raws[section] = Raw(entry.value, *in.name, in.places, declaration().has_secrets());
         return;
     }
-    const auto* mapping = entry.value.get_if<Mapping>();
     if (mapping == nullptr) {
-        if (entry.value.is_null()) return;
         Fault& fault = add_fault(
             FaultKind::section_no_mapping, name, *in.name,
             ignoring() + "the " + name + " section of " + named(in) + ": it is not a mapping");
@@ -199,7 +207,7 @@ void Intake::add_unknown(const Document& in, const Unknown& unknown) {
     place(fault, in.places.get(), unknown.span);
 }
 
-void Intake::take_yaml(const std::string& text, const std::string& name) {
+bool Intake::take_yaml(const std::string& text, const std::string& name) {
     std::shared_ptr<const yaml::LocatedValue> located;
     try {
         located = std::make_shared<const yaml::LocatedValue>(yaml::load_located(text, name));
@@ -210,9 +218,10 @@ void Intake::take_yaml(const std::string& text, const std::string& name) {
         const std::string_view line = line_of(text, fault.line);
         if (!declaration().has_secrets())
             fault.excerpt.emplace(line, utils::prefix_size(line, fault.column - 1), 0);
-        return;
+        unread_.assign(unread_.size(), true);
+        return false;
     }
-    take_document(located->value(), name, located);
+    return take_document(located->value(), name, located);
 }
 
 }  // namespace velmora::app

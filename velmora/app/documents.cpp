@@ -1,6 +1,4 @@
 // Layers that are mappings of sections: values, YAML texts, files and directories.
-#include <filesystem>
-#include <system_error>
 #include <utility>
 
 #include "velmora/app/source.hpp"
@@ -10,6 +8,9 @@
 namespace velmora::app {
 
 namespace {
+
+using utils::FileError;
+using State = Giver::State;
 
 class OfValue final : public detail::Source {
 public:
@@ -37,25 +38,12 @@ private:
     std::string name_;
 };
 
-void add_unreadable(Intake& intake, const std::string& path, const utils::FileError& error) {
-    intake.add_error(FaultKind::unusable_source, "", path,
-                     utils::one_line(path) + ": cannot be read: " + error.what());
+void add_unreadable(Intake& intake, const std::string& path, const FileError& error) {
+    intake.add_unreadable(path, std::string("cannot be read: ") + error.what());
 }
 
-bool is_missing(const utils::FileError& error) {
-    return error.kind() == utils::FileError::Kind::missing;
-}
-
-void take_file(Intake& intake, const std::string& path, bool optional, std::size_t most_bytes) {
-    std::string text;
-    try {
-        text = utils::read_regular_file(path, most_bytes);
-    } catch (const utils::FileError& error) {
-        if (!(optional && is_missing(error))) add_unreadable(intake, path, error);
-        return;
-    }
-    if (!text.empty()) intake.add_file(path);
-    intake.take_yaml(text, path);
+void check_path(const std::string& path) {
+    if (path.empty()) throw FileError(FileError::Kind::other, "its path is empty");
 }
 
 class OfFile final : public detail::Source {
@@ -65,7 +53,16 @@ public:
 
     bool is_document() const noexcept override { return true; }
     void give(Intake& intake) const override {
-        take_file(intake, path_, options_.optional, options_.most_bytes);
+        std::string text;
+        try {
+            check_path(path_);
+            text = utils::read_regular_file(path_, options_.most_bytes);
+        } catch (const FileError& error) {
+            if (!options_.optional || error.kind() != FileError::Kind::missing)
+                return add_unreadable(intake, path_, error);
+            return intake.add_giver({Giver::Kind::file, State::missing, source_named(path_)});
+        }
+        intake.take_yaml(text, path_);
     }
 
 private:
@@ -79,27 +76,60 @@ public:
         : Source(options.on_fault), path_(std::move(path)), options_(options) {}
 
     void give(Intake& intake) const override {
-        std::vector<std::string> names;
         try {
-            names = utils::OpenFolder(path_).names();
-        } catch (const utils::FileError& error) {
-            if (!(options_.optional && is_missing(error))) add_unreadable(intake, path_, error);
-            return;
-        }
-        for (const std::string& name : names) {
-            if (!name.ends_with(".yaml")) continue;
-            const std::string each = utils::path_in(path_, name);
-            std::error_code error;
-            if (std::filesystem::is_regular_file(each, error) || error) {
-                take_file(intake, each, false, options_.most_bytes);
-            } else {
-                intake.add_fault(FaultKind::unusable_source, "", each,
-                                 intake.ignoring() + utils::one_line(each) + ": it is no file");
-            }
+            check_path(path_);
+            const utils::OpenFolder folder(path_);
+            give(intake, folder, folder.names());
+        } catch (const FileError& error) {
+            if (!options_.optional || error.kind() != FileError::Kind::missing)
+                return add_unreadable(intake, path_, error);
+            intake.add_giver({Giver::Kind::folder, State::missing, source_named(path_)});
         }
     }
 
 private:
+    void give(Intake& intake, const utils::OpenFolder& folder,
+              const std::vector<std::string>& names) const {
+        bool gives = false;
+        bool has_files = false;
+        for (const std::string& name : names) {
+            const std::string path = utils::path_in(path_, name);
+            if (!name.ends_with(".yaml")) {
+                advise(intake, path);
+                continue;
+            }
+            std::string text;
+            try {
+                text = folder.read(name, options_.most_bytes);
+            } catch (const FileError& error) {
+                if (error.kind() == FileError::Kind::no_file) {
+                    intake.add_fault(FaultKind::unusable_source, "", path,
+                                     intake.ignoring() + utils::one_line(path) + ": it is no file");
+                } else {
+                    add_unreadable(intake, path, error);
+                    has_files = true;
+                }
+                continue;
+            }
+            has_files = true;
+            if (intake.take_yaml(text, path)) gives = true;
+        }
+        // One of which all files are empty is neither.
+        if (gives || !has_files)
+            intake.add_giver(
+                {Giver::Kind::folder, gives ? State::gives : State::empty, source_named(path_)});
+    }
+
+    // Advises of a file whose name ends in nearly what names must end in.
+    static void advise(Intake& intake, const std::string& path) {
+        std::string end = path.substr(path.rfind('.') + 1);
+        for (char& c : end) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        if (end == "yml" || end == "yaml")
+            intake.add_advice(
+                FaultKind::unread_file, "", path,
+                utils::one_line(path) + R"(: is not read: names must end in ".yaml")");
+    }
+
     std::string path_;
     DirectoryOptions options_;
 };

@@ -6,6 +6,8 @@
 #include <unistd.h>
 
 #include "velmora/app/source.hpp"
+#include "velmora/utils/read_file.hpp"
+#include "velmora/utils/texts.hpp"
 
 namespace velmora::app {
 
@@ -120,8 +122,19 @@ private:
                                     turn.given_by + " is given as well");
             return;
         }
-        const auto text = turn.intake.read_text(turn.judged().label(), path, variable);
-        if (text && (!text->empty() || empty_counts_)) take(turn, variable, *text, old);
+        std::string text;
+        try {
+            text = utils::without_line_end(utils::read_regular_file(path, most_file_bytes));
+        } catch (const utils::FileError& error) {
+            // The path is not shown: it may be the secret itself.
+            return turn.intake.add_unreadable(
+                turn.key, variable, std::string("its file cannot be read: ") + error.what());
+        }
+        const bool given = !text.empty() || empty_counts_;
+        turn.intake.add_giver({Giver::Kind::variable,
+                               given ? Giver::State::gives : Giver::State::empty,
+                               source_named(variable), turn.key});
+        if (given) take(turn, variable, text, old);
     }
 
     static std::string note_on(const JudgedKey& key, std::string_view text) {

@@ -26,7 +26,9 @@ enum class FaultKind {
     section_no_mapping,  ///< A section that is something else than keys and their values.
     unknown_name,        ///< What is no section, no key, or no SECTION.KEY=VALUE at all.
     old_name,            ///< A key that is given by a name that it had before. Advice always.
-    unusable_source,     ///< A file that is missing, cannot be read, is no YAML or has no sections.
+    unusable_source,     ///< A file that is missing, cannot be read, is no YAML or has no sections,
+                         ///< or what a reload finds empty.
+    unread_file,         ///< A file that is not looked at for its name. Advice always.
     ambiguous_variable,  ///< A variable that, by its prefix, would stand for two keys.
     missing_value,       ///< A required key for which there is no value.
     failed_check,        ///< Values that do not go together.

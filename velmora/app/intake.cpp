@@ -5,7 +5,7 @@
 
 #include "velmora/config/display.hpp"
 #include "velmora/utils/quoting.hpp"
-#include "velmora/utils/read_file.hpp"
+#include "velmora/utils/texts.hpp"
 
 namespace velmora::app {
 
@@ -18,6 +18,7 @@ Intake::Intake(std::shared_ptr<const Declaration::Data> declaration, bool alone)
     values_.given.resize(declaration_->keys().size());
     values_.raws.resize(declaration_->sections().size());
     places_.resize(values_.given.size());
+    unread_.resize(values_.given.size());
 }
 
 Fault& Intake::add_fault(FaultKind kind, std::string key, std::string source, std::string message) {
@@ -55,25 +56,21 @@ Fault& Intake::add_advice(FaultKind kind, std::string key, std::string source,
     return fault;
 }
 
-std::optional<std::string> Intake::read_text(const std::string& label, const std::string& path,
-                                             const std::string& source) {
-    try {
-        std::string text = utils::read_regular_file(path, most_file_bytes);
-        for (const std::string_view end : {"\r\n", "\n"}) {
-            if (!text.ends_with(end)) continue;
-            text.resize(text.size() - end.size());
-            break;
-        }
-        if (!text.empty()) add_file(path);
-        return text;
-    } catch (const utils::FileError& error) {
-        // What is given as a path may be the secret itself.
-        const std::string what =
-            source == path ? ": cannot be read: " : ": its file cannot be read: ";
-        add_error(FaultKind::unusable_source, label, source,
-                  utils::one_line(source) + what + error.what());
-        return std::nullopt;
-    }
+void Intake::add_giver(Giver giver) {
+    giver.layer = layers_;
+    values_.givers.push_back(std::move(giver));
+}
+
+void Intake::add_unreadable(const std::string& source, const std::string& why) {
+    add_error(FaultKind::unusable_source, "", source,
+              (source.empty() ? "''" : utils::one_line(source)) + ": " + why);
+    unread_.assign(unread_.size(), true);
+}
+
+void Intake::add_unreadable(std::size_t key, const std::string& source, const std::string& why) {
+    add_error(FaultKind::unusable_source, declaration().keys()[key].label(), source,
+              utils::one_line(source) + ": " + why);
+    unread_[key] = true;
 }
 
 void Intake::take_text(std::size_t key, const std::string& text, const SourceName& source,
@@ -136,7 +133,8 @@ Values::Data Intake::finish() {
     for (std::size_t i = 0; i < keys.size(); ++i) {
         auto& given = values_.given[i];
         std::reverse(given.begin(), given.end());
-        if (keys[i].traits().required && held_of(given) == nullptr) add_missing(keys[i]);
+        const bool known = held_of(given) != nullptr || unread_[i];
+        if (keys[i].traits().required && !known) add_missing(i);
     }
     values_.hold();
     for (const auto& [fault, key] : refused_) {
@@ -153,12 +151,35 @@ void Intake::say_what_holds(Values::Data& data) const {
     }
 }
 
-void Intake::add_missing(const JudgedKey& key) {
-    const auto& variable = key.key().setting().env();
-    add_error(FaultKind::missing_value, key.label(), "",
-              key.label() + " must be given a value" +
-                  (variable ? ", in $" + *variable + " for one" : "") + ": " +
-                  key.key().setting().doc());
+void Intake::add_missing(std::size_t key) {
+    const JudgedKey& judged = declaration().keys()[key];
+    const auto& variable = judged.key().setting().env();
+    Fault& fault = add_error(FaultKind::missing_value, judged.label(), "",
+                             judged.label() + " must be given a value" +
+                                 (variable ? ", in $" + *variable + " for one" : "") + ": " +
+                                 judged.key().setting().doc());
+    fault.note = where_empty(key);
+}
+
+std::string Intake::where_empty(std::size_t key) const {
+    const std::string& section = declaration().keys()[key].key().section();
+    std::vector<std::string> all;
+    for (const Giver& giver : values_.givers) {
+        using Kind = Giver::Kind;
+        if (giver.state == Giver::State::gives || giver.source == nullptr) continue;
+        const std::string source = utils::one_line(*giver.source);
+        if (giver.kind == Kind::file) {
+            all.push_back(source +
+                          (giver.state == Giver::State::empty ? " is empty" : " is missing"));
+        } else if (giver.kind == Kind::section) {
+            if (declaration().sections()[giver.part].name() == section)
+                all.push_back("the " + section + " section of " + source + " is empty");
+        } else if (giver.kind != Kind::folder && giver.part == key) {
+            all.push_back((giver.kind == Kind::variable ? "the file of " : "") + source +
+                          " is empty");
+        }
+    }
+    return utils::joined(all);
 }
 
 }  // namespace velmora::app

@@ -30,19 +30,22 @@ public:
     const Declaration::Data& declaration() const noexcept { return *declaration_; }
 
     /// What is given from now on comes from a layer that goes over those before.
-    void begin_layer(OnFault on_fault) noexcept { on_fault_ = on_fault; }
+    void begin_layer(OnFault on_fault) noexcept {
+        on_fault_ = on_fault;
+        ++layers_;
+    }
 
-    /// Says that there is a file with something in it.
-    void add_file(const std::string& path) { values_.files.push_back(path); }
-    /// A mapping of sections. `document` is null when it stands in none.
-    void take_document(const config::ConfigValue& root, const std::string& name,
+    /// Says what there is of something that may give values; its layer is the present one.
+    void add_giver(Giver giver);
+    /// A mapping of sections; whether it has any. `document` is null when it stands in none.
+    bool take_document(const config::ConfigValue& root, const std::string& name,
                        std::shared_ptr<const yaml::LocatedValue> document);
     /// The same of a YAML text.
-    void take_yaml(const std::string& text, const std::string& name);
-    /// The content of a file, but for one line end at its end; nothing, and an error about the key
-    /// with this label, when it cannot be read. `source` is its path or what names it.
-    std::optional<std::string> read_text(const std::string& label, const std::string& path,
-                                         const std::string& source);
+    bool take_yaml(const std::string& text, const std::string& name);
+    /// Says that a source cannot be read, whose values could be those of any key, or of the one at
+    /// a position.
+    void add_unreadable(const std::string& source, const std::string& why);
+    void add_unreadable(std::size_t key, const std::string& source, const std::string& why);
 
     struct TextOptions {
         std::string note = {};  ///< Goes with its fault.
@@ -93,7 +96,9 @@ private:
     std::string named(const Document& in) const;
     std::string shown(std::size_t key, const config::ConfigValue& value) const;
     std::string keeping(const Values::Data& data, std::size_t key) const;
-    void add_missing(const JudgedKey& key);
+    void add_missing(std::size_t key);
+    /// What might have given a key a value, and is empty; nothing when there is none.
+    std::string where_empty(std::size_t key) const;
 
     std::shared_ptr<const Declaration::Data> declaration_;
     Values::Data values_;
@@ -101,9 +106,12 @@ private:
     std::vector<std::pair<std::size_t, std::size_t>> refused_;
     /// Where the values stand that hold.
     std::vector<std::pair<std::shared_ptr<const yaml::LocatedValue>, yaml::Span>> places_;
+    /// By key, whether it may be given where it could not be read.
+    std::vector<bool> unread_;
     bool alone_;
     static constexpr std::size_t most_hints = 20;
     std::size_t hints_ = 0;
+    std::size_t layers_ = 0;
     OnFault on_fault_ = OnFault::warn;
 };
 

@@ -114,7 +114,8 @@ VELMORA_EXPORT Layer text(std::string yaml, std::string name, ValuesOptions opti
 VELMORA_EXPORT Layer file(std::string path, FileOptions options = {});
 
 /// The files of a directory whose names end in ".yaml", the later in the order of the bytes of their
-/// names over the earlier. Hidden ones are left out, links are followed.
+/// names over the earlier. Hidden ones are left out, links are followed; a name in ".yml" is advised
+/// of.
 VELMORA_EXPORT Layer directory(std::string path, DirectoryOptions options = {});
 
 /// Environment variables, as they are when this is called.
@@ -122,7 +123,7 @@ VELMORA_EXPORT Layer environment(EnvironmentOptions options = {});
 
 /// Files that are named after keys, "server.token", each with a value as its content, but for one
 /// line end at its end; where systemd puts credentials. An empty file is as good as none. Files that
-/// are named otherwise are not looked at.
+/// are named otherwise are not looked at; a name that is nearly a key's is advised of.
 VELMORA_EXPORT Layer credentials(CredentialsOptions options = {});
 
 /// Texts like "server.port=80", as a command line gives them; the later over the earlier.

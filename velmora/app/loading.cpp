@@ -1,6 +1,7 @@
 #include "velmora/app/loading.hpp"
 
 #include <algorithm>
+#include <set>
 #include <utility>
 
 #include "velmora/app/source.hpp"
@@ -11,6 +12,8 @@ namespace velmora::app {
 
 namespace {
 
+using State = Giver::State;
+
 bool is_error(const Fault& fault) {
     return fault.severity == Severity::error;
 }
@@ -19,23 +22,52 @@ bool has_error(const std::vector<Fault>& faults) {
     return std::any_of(faults.begin(), faults.end(), is_error);
 }
 
-// Adds the files that had something in them at an earlier load and are gone now, or empty as those are
-// that are being written; unless an error about them, or the folder that they were in, says why.
-void add_missing_files(const std::vector<std::string>& before, Values::Data& data) {
-    for (const std::string& path : before) {
-        const bool explained =
-            std::any_of(data.faults.begin(), data.faults.end(), [&path](const Fault& fault) {
-                return is_error(fault) && fault.kind == FaultKind::unusable_source &&
-                       path.starts_with(fault.source);
-            });
-        if (explained || utils::is_one_of(path, data.files)) continue;
-        data.faults.push_back(
-            {.kind = FaultKind::unusable_source,
-             .severity = Severity::error,
-             .key = {},
-             .source = path,
-             .message = utils::one_line(path) + ": is gone or empty, which it was not before",
-             .note = "to do without its values, restart"});
+// An order in which those are equal that are one in two loads.
+bool is_before(const Giver& a, const Giver& b) {
+    if (a.layer != b.layer) return a.layer < b.layer;
+    if (a.kind != b.kind) return a.kind < b.kind;
+    if (a.part != b.part) return a.part < b.part;
+    return a.kind != Giver::Kind::credential && *a.source < *b.source;
+}
+
+// The fault of a reload that finds nothing where there was something.
+Fault fault_of_gone(const Giver& before, const Giver& now, const Declaration::Data& declaration) {
+    const bool missing = now.state == State::missing;
+    Fault fault{.kind = FaultKind::unusable_source,
+                .severity = Severity::error,
+                .key = {},
+                .source = missing ? *before.source : *now.source,
+                .note = "to do without its values, restart"};
+    std::string what = missing ? "is gone" : "has nothing in it any more";
+    if (now.kind == Giver::Kind::section) {
+        fault.key = declaration.sections()[now.part].name();
+        what = "its section " + fault.key + " is empty, which it was not before";
+    } else if (now.kind == Giver::Kind::credential || now.kind == Giver::Kind::variable) {
+        fault.key = declaration.keys()[now.part].label();
+        if (now.kind == Giver::Kind::variable) what.insert(0, "its file ");
+    }
+    fault.message = utils::one_line(fault.source) + ": " + what;
+    return fault;
+}
+
+// Adds errors for all that gave something at an earlier load and gives nothing now, though it was not
+// taken out: files are empty for a moment while they are written. Where an error says already what is
+// wrong with it, there is no second one.
+void add_gone(const std::vector<Giver>& before, Values::Data& data) {
+    std::set<Giver, bool (*)(const Giver&, const Giver&)> empty(&is_before);
+    for (const Giver& giver : data.givers) {
+        if (giver.state != State::gives) empty.insert(giver);
+    }
+    for (const Giver& giver : before) {
+        const auto found = empty.find(giver);
+        if (giver.state != State::gives || found == empty.end()) continue;
+        Fault gone = fault_of_gone(giver, *found, *data.declaration);
+        const auto says_it = [&gone](const Fault& fault) {
+            return is_error(fault) && fault.kind == gone.kind && fault.source == gone.source &&
+                   fault.key == gone.key;
+        };
+        if (std::none_of(data.faults.begin(), data.faults.end(), says_it))
+            data.faults.push_back(std::move(gone));
     }
 }
 
@@ -65,7 +97,7 @@ Values Loading::reload(const Values& now, const ReloadOptions& how) {
     const bool strict = !how.despite_faults;
     const auto fresh = std::make_shared<Values::Data>(take_layers(strict));
     const Values::Data& old = *now.data_;
-    if (!how.despite_missing_files) add_missing_files(old.files, *fresh);
+    if (!how.despite_missing_files) add_gone(old.givers, *fresh);
     if (strict) {
         for (Fault& fault : fresh->faults) {
             if (fault.severity == Severity::warning) fault.severity = Severity::error;

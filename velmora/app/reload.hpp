@@ -13,8 +13,8 @@ struct ReloadOptions {
     /// Whether warnings are to stand in the way no more than at a start, and weaker values or
     /// defaults to take the place of refused ones. Errors always do, advice never does.
     bool despite_faults = false;
-    /// Whether files that had something in them before may be gone or empty, as those are for a moment
-    /// that are being written.
+    /// Whether files, sections in them, folders and credentials that gave something before may be gone
+    /// or empty, as those are for a moment that are being written.
     bool despite_missing_files = false;
 };
 

@@ -11,6 +11,22 @@
 
 namespace velmora::app {
 
+/// What may give values to a load: a reload takes for gone what gave some and stands empty now.
+struct Giver {
+    enum class Kind { file, section, folder, credential, variable };
+    enum class State { gives, empty, missing };
+
+    Kind kind;
+    State state;
+    /// As faults name it. That of a credential may be another in another load, for a key that was
+    /// renamed.
+    std::shared_ptr<const std::string> source;
+    /// The position of the section, or of the key that the credential is of; else 0.
+    std::size_t part = 0;
+    /// The position of the layer.
+    std::size_t layer = 0;
+};
+
 struct Values::Data {
     static const Data& of(const Values& values) noexcept { return *values.data_; }
 
@@ -30,8 +46,7 @@ struct Values::Data {
     std::deque<config::ConfigValue> lists = {};
     /// By section.
     std::vector<Raw> raws;
-    /// That had something in them.
-    std::vector<std::string> files = {};
+    std::vector<Giver> givers = {};
     std::vector<Fault> faults = {};
     /// What a reload has loaded, where something of it waits for a restart.
     std::shared_ptr<const Data> pending = nullptr;

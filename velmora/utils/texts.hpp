@@ -56,6 +56,12 @@ std::string joined(const Texts& texts, std::string_view separator = ", ") {
     return out;
 }
 
+/// A text without the one line end, "\r\n" or "\n", that is at its end.
+inline std::string without_line_end(std::string text) {
+    if (text.ends_with('\n')) text.resize(text.size() - (text.ends_with("\r\n") ? 2 : 1));
+    return text;
+}
+
 /// Takes the sign off the beginning of `text`, if there is one; true when it is a minus.
 inline bool take_sign(std::string_view& text) noexcept {
     const bool negative = text.starts_with('-');

@@ -48,7 +48,7 @@ ConfigValue section_in(const ConfigValue& file, const std::string& section) {
     return found != nullptr ? *found : ConfigValue();
 }
 
-std::optional<ConfigValue> value_in(const ConfigValue& section, const Key& key) {
+std::optional<ConfigValue> value_in(const ConfigValue& section, const velmora::app::Key& key) {
     const ConfigValue* found = section.find(key.name());
     if (found == nullptr) return std::nullopt;
     try {

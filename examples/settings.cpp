@@ -52,7 +52,7 @@ app::Schema<Config> declared() {
             app::key(&Server::host, "host", "Address that the server listens on.",
                      {.env = "WEBD_HOST"}),
             app::key(&Server::port, "port", "Port that the server listens on.",
-                     {.env = "WEBD_PORT", .bounds = Bound(1)}),
+                     {.env = "WEBD_PORT", .bounds = Bound(1, 65535)}),
             app::key(&Server::workers, "workers", "Worker threads.",
                      {.bounds = Bound(1, 256), .restart = Restart::worker}),
             app::key(&Server::keep_alive, "keep_alive",

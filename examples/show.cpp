@@ -13,11 +13,11 @@
 using namespace velmora;
 
 void show(std::ostream& out, const app::Snapshot<Config>& now) {
-    for (const config::Section& section : schema().declaration().sections()) {
-        for (const config::Key& key : section.keys()) {
-            const std::string label = key.label();
-            const app::GivenValue* const held = now.values().held(label);
-            out << std::left << std::setw(20) << label << "  " << now.values()[label] << "  # "
+    for (const app::Section& section : schema().declaration().sections()) {
+        for (const app::Key& key : section.keys()) {
+            const app::GivenValue* const held = now.values().held(key.label());
+            out << std::left << std::setw(20) << key.label() << "  "
+                << now.values().shown(key.label()) << "  # "
                 << (held != nullptr ? utils::one_line(held->place()) : "default") << '\n';
         }
     }
@@ -26,8 +26,9 @@ void show(std::ostream& out, const app::Snapshot<Config>& now) {
 void explain(std::ostream& out, const app::Snapshot<Config>& now,
              const std::vector<std::string>& labels) {
     std::vector<std::string> texts;
-    refuse_together(labels, [&](const std::string& label) {
-        texts.push_back(text_of(app::explain(now.values(), label)));
+    refuse_together(labels, [&](const std::string& name) {
+        for (const app::Key& key : schema().declaration().keys(name))
+            texts.push_back(text_of(app::explain(now.values(), key.label())));
     });
     if (labels.empty()) {
         for (const app::Explanation& each : app::explain(now.values()))

@@ -14,6 +14,7 @@
 #include "settings.hpp"
 #include "yaml_value.hpp"
 
+namespace app = velmora::app;
 using namespace velmora::config;
 
 namespace {
@@ -33,20 +34,11 @@ void print_comment(std::ostream& out, const std::string& indentation, const std:
     if (!line.empty()) out << line << '\n';
 }
 
-std::string accepted_text(const Key& key) {
-    std::ostringstream out;
-    out << key.kind();
-    const std::vector<std::string>& choices = key.setting().choices();
-    if (!choices.empty()) out << ", one of: " << velmora::utils::joined(choices);
-    if (const std::optional<Bound>& bounds = key.setting().bounds()) out << ", " << bounds->text();
-    return out.str();
-}
-
-void print_key(std::ostream& out, const Key& key) {
+void print_key(std::ostream& out, const app::Key& key) {
     const std::string indentation = "  ";
-    print_comment(out, indentation, key.setting().doc());
-    print_comment(out, indentation, "Kind: " + accepted_text(key));
-    if (const std::optional<std::string>& variable = key.setting().env())
+    print_comment(out, indentation, key.doc());
+    print_comment(out, indentation, "Kind: " + key.accepted());
+    if (const std::optional<std::string>& variable = key.env())
         print_comment(out, indentation, "Environment: " + *variable);
     print_comment(out, indentation, "Restart: " + std::string(name_of(key.restart())));
     out << indentation << yaml_text(key.name()) << ": " << yaml_text(key.default_value()) << '\n';
@@ -56,13 +48,15 @@ void print_key(std::ostream& out, const Key& key) {
 
 void print_template(std::ostream& out) {
     std::string_view separator;
-    for (const Section& section : schema().declaration().sections()) {
+    for (const app::Section& section : schema().declaration().sections()) {
         out << separator;
         separator = "\n";
-        print_comment(out, "", section.setting().doc());
+        print_comment(out, "", section.doc());
         out << yaml_text(section.name()) << ":\n";
-        for (const Key& key : section.keys()) {
-            if (&key != &section.keys().front()) out << '\n';
+        std::string_view between;
+        for (const app::Key& key : section.keys()) {
+            out << between;
+            between = "\n";
             print_key(out, key);
         }
     }

@@ -37,7 +37,7 @@ public:
           places_(text, root_) {}
 
     // Throws ValueError, and then has not collected it.
-    void set(const Key& key, const ConfigValue& value) {
+    void set(const velmora::app::Key& key, const ConfigValue& value) {
         const bool empty =
             root_.kind == Kind::null && layout_.is_empty_until(layout_.end_of_document(root_));
         if (!empty) refuse_unless_own_mapping(root_, "the file");
@@ -99,7 +99,7 @@ private:
         return at;
     }
 
-    static void add(Additions& additions, Addition addition, const Key& key,
+    static void add(Additions& additions, Addition addition, const velmora::app::Key& key,
                     const ConfigValue& value) {
         const Quotes quotes = addition.quotes;
         std::string entry = yaml_text(key.name(), quotes) + ": " + yaml_text(value, quotes);

@@ -100,41 +100,39 @@ std::string loaded(const std::vector<std::string>& pairs, const std::string& yam
                                        out << fault.message.substr(0, fault.message.find("; keeping"))
                                            << (fault.note.empty() ? "" : " = ") << fault.note << '\n';
                                    }});
-    return out.str().empty() ? display(now.values().record("all")) : out.str();
+    return out.str().empty() ? display(now.values().reveal_record("all")) : out.str();
 }
 
 TEST(Schema, MakesKeysOfMembers) {
     std::ostringstream out;
     EXPECT_EQ(schema().declaration().sections().back().name(), "hosts");
-    for (const Key& key : schema().declaration().section("all").keys()) {
-        const Setting& setting = key.setting();
-        out << key.name() << ' ' << key.kind() << ' ' << key.default_value() << ' ' << setting.doc();
-        if (setting.bounds()) out << " " << setting.bounds()->text();
-        if (!setting.choices().empty()) out << " " << velmora::utils::joined(setting.choices(), "|");
-        out << (setting.env() ? " $" + *setting.env() : "") << (key.restart() == Restart::none ? " none" : "") << '\n';
+    for (const app::Key& key : schema().declaration().section("all").keys()) {
+        out << key.name() << ' ' << key.kind() << ' ' << key.default_value() << ' ' << key.doc() << " "
+            << key.accepted() << (key.env() ? " $" + *key.env() : "") << (key.restart() == Restart::none ? " none" : "")
+            << '\n';
     }
     EXPECT_EQ(out.str(),
-              "flag bool True Flag. $FLAG none\n"
-              "tiny int -1 Integer. at least -100 and at most 127\n"
-              "large int 1 Integer. at least 0 and at most 1.84467e+19\n"
-              "small int 5 Integer. above 0 and at most 4.29497e+09\n"
-              "rate float 0.1 Float. at least -3.40282e+38 and at most 1e+30\n"
-              "real float 0.1 Float.\n"
-              "text str 'abc' Text. abc|1.20\n"
-              "path str '/srv' Path.\n"
-              "level str 'info' Level. debug|info\n"
-              "wait float 1.5 How long it waits, in seconds. at least 0\n"
-              "pause int 20 Milliseconds that it pauses at least -9.22337e+18 and at most 9.22337e+18 $PAUSE\n"
-              "third int 2 Pause, in units of 1/3 seconds at least 0 and at most 255\n"
-              "texts list ['a', 'b'] Texts.\n"
-              "bytes list [1, 2] Bytes.\n"
-              "levels list ['debug'] Levels.\n"
-              "paths list [] Paths.\n"
-              "rates list [0.1] Rates.\n"
-              "limit int None Limit. above 0 and at most 2.14748e+09\n"
-              "some list [1] Some.\n"
-              "end int None End, in seconds. at least -9.22337e+18 and at most 9.22337e+18\n"
-              "token str None Token.\n");
+              "flag bool True Flag. a bool $FLAG none\n"
+              "tiny int -1 Integer. an int, at least -100 and at most 127\n"
+              "large int 1 Integer. an int, at least 0\n"
+              "small int 5 Integer. an int, above 0\n"
+              "rate float 0.1 Float. a float, at most 1e+30\n"
+              "real float 0.1 Float. a float\n"
+              "text str 'abc' Text. a str, one of: 1.20, abc\n"
+              "path str '/srv' Path. a str\n"
+              "level str 'info' Level. a str, one of: debug, info\n"
+              "wait float 1.5 How long it waits, in seconds. a float, at least 0\n"
+              "pause int 20 Milliseconds that it pauses an int $PAUSE\n"
+              "third int 2 Pause, in units of 1/3 seconds an int\n"
+              "texts list ['a', 'b'] Texts. a list of texts, one of: a, b, x\n"
+              "bytes list [1, 2] Bytes. a list of ints, at least 0 and at most 200\n"
+              "levels list ['debug'] Levels. a list of texts, one of: debug, info\n"
+              "paths list [] Paths. a list of texts\n"
+              "rates list [0.1] Rates. a list of floats, above 0\n"
+              "limit int None Limit. an int, above 0\n"
+              "some list [1] Some. a list of ints, at most 8\n"
+              "end int None End, in seconds. an int\n"
+              "token str None Token. a str\n");
 }
 
 TEST(Schema, AcceptsWhatMembersHoldAndNothingElse) {
@@ -144,13 +142,13 @@ TEST(Schema, AcceptsWhatMembersHoldAndNothingElse) {
          "most 127\n"},
         {"large=18446744073709551616",
          "Ignoring all.large from the command line: Invalid value for all.large: 18446744073709551616. It must be at "
-         "least 0 and at most 1.84467e+19 = all.large is an integer from 0 to 18446744073709551615\n"},
+         "least 0 and at most 1.84467e+19 = all.large takes an int, at least 0 and at most 18446744073709551615\n"},
         {"texts=a,c",
          "Ignoring all.texts from the command line: Invalid value for all.texts item 2: 'c'. Must be one of: a, b, "
          "x\n"},
         {"rate=3e38",
          "Ignoring all.rate from the command line: Invalid value for all.rate: 3e+38. It must be at least -3.40282e+38 "
-         "and at most 1e+30\n"},
+         "and at most 1e+30 = all.rate takes a float, at least -3.4028235e+38 and at most 1e+30\n"},
         {"level=loud",
          "Ignoring all.level from the command line: Invalid value for all.level: 'loud'. Must be one of: debug, "
          "info\n"},
@@ -159,25 +157,25 @@ TEST(Schema, AcceptsWhatMembersHoldAndNothingElse) {
          "counts seconds\n"},
         {"bytes=1,201",
          "Ignoring all.bytes from the command line: Invalid value for all.bytes item 2: 201. It must be at least 0 and "
-         "at most 200\n"},
+         "at most 200 = all.bytes counts bytes\n"},
         {"bytes=x",
          "Ignoring all.bytes from the command line: Cannot set all.bytes item 1='x': expected int (expected a decimal "
-         "integer, got 'x')\n"},
+         "integer, got 'x') = all.bytes counts bytes\n"},
         {"levels=info,x",
          "Ignoring all.levels from the command line: Invalid value for all.levels item 2: 'x'. Must be one of: debug, "
          "info\n"},
         {"rates=1e39",
          "Ignoring all.rates from the command line: Invalid value for all.rates item 1: 1e+39. It must be above 0 and "
-         "at most 3.40282e+38\n"},
+         "at most 3.40282e+38 = all.rates takes a list of floats, above 0 and at most 3.4028235e+38\n"},
         {"rates=1e-50",
          "Ignoring all.rates from the command line: Invalid value for all.rates item 1: 0.0. It must be above 0 and at "
-         "most 3.40282e+38\n"},
+         "most 3.40282e+38 = all.rates takes a list of floats, above 0 and at most 3.4028235e+38\n"},
         {"some=0x1",
          "Ignoring all.some from the command line: Cannot set all.some item 1='0x1': expected int (expected a decimal "
-         "integer, got '0x1') = all.some is an integer from -2147483648 to 8\n"},
+         "integer, got '0x1') = all.some takes a list of ints, at least -2147483648 and at most 8\n"},
         {"limit=",
          "Ignoring all.limit from the command line: Cannot set all.limit='': expected int (expected a decimal integer, "
-         "got '') = all.limit is an integer above 0, up to 2147483647\n"},
+         "got '') = all.limit takes an int, above 0 and at most 2147483647\n"},
         {"token=u",
          "Ignoring all.token from the command line: it is secret, and this can be seen by everyone: give it in a file, "
          "a variable or a credential\n"},
@@ -187,9 +185,10 @@ TEST(Schema, AcceptsWhatMembersHoldAndNothingElse) {
     schema().load({app::text("x-a: &a [1, 201]\nall: {token: t, bytes: *a, levels: [info, x]}", "f"),
                    app::environment({.variables = {{{"PAUSE", "tcp://h"}}}})},
                   {.report = [&](const app::Fault& fault) { faults += text_of(fault); }});
-    EXPECT_THAT(faults, testing::MatchesRegex("f:2:24: [^|]*\\|[^|]*\\|                        \\^~\n"
-                                              "f:2:43: [^|]*\\|[^|]*\\|                                           \\^\n"
-                                              "Ignoring all.pause from [^\n]*\n      = container platforms .*"));
+    EXPECT_THAT(faults,
+                testing::MatchesRegex("f:2:24: [^|]*\\|[^|]*\\|                        \\^~?\n[^\n]*counts bytes\n"
+                                      "f:2:43: [^|]*\\|[^|]*\\|                                           \\^\n"
+                                      "Ignoring all.pause from [^\n]*\n      = container platforms .*"));
     const char* const yaml =
         "all: {bytes: [0x1, 1e1], paths: [1.20, no], limit: 7, some: ~, levels: [info, debug], end: 3, text: 1.20}";
     EXPECT_EQ(
@@ -202,12 +201,81 @@ TEST(Schema, AcceptsWhatMembersHoldAndNothingElse) {
         "some=None, end=3, token='t')");
 }
 
+TEST(Schema, RefusesChecksThatAreNone) {
+    const std::function<std::string(const Config&)> none;
+    const auto checked = [](const auto& rule) {
+        return outcome([&] { return schema().check({"all.limit"}, rule).declaration().sections()[0].name(); });
+    };
+    EXPECT_THAT(checked(none), testing::StartsWith("TypeError: "));
+    EXPECT_THAT(checked(static_cast<std::string (*)(const Config&)>(nullptr)), testing::StartsWith("TypeError: "));
+    EXPECT_EQ(checked([](const Config&) { return ""; }), "all");
+}
+
 TEST(Schema, SplitsTextsOfAFileIntoItems) {
     const auto now =
         schema().load({app::text("all: {token: t, levels: 'debug, info', paths: 'a, b', bytes: '1, 2'}", "f")});
     EXPECT_EQ(now->all.levels, (std::vector{Level::debug, Level::info}));
     EXPECT_EQ(now->all.paths, (std::vector<std::filesystem::path>{"a", "b"}));
     EXPECT_EQ(now->all.bytes, (std::vector<std::uint8_t>{1, 2}));
+}
+
+TEST(Schema, SaysWhatItTakesForSomethingElse) {
+    struct Row {
+        const char* key;
+        const char* written;
+        const char* value;  // "" when it is refused.
+        const char* advice;
+    };
+    const Row rows[] = {
+        {"flag", "2", "True", "2 is taken as True"},
+        {"flag", ".nan", "True", "nan is taken as True"},
+        {"flag", "0.0", "False", ""},
+        {"tiny", "25.9", "25", "25.9 is taken as 25"},
+        {"tiny", "1e1", "10", ""},
+        {"tiny", "'7'", "7", ""},
+        {"real", "9007199254740993", "9007199254740992.0", "9007199254740993 is taken as 9007199254740992.0"},
+        {"rate", "0.1234567891", "0.12345679", "0.1234567891 is taken as 0.12345679"},
+        {"rate", "0.3", "0.3", ""},
+        {"bytes", "[1, 2, 3.5, 4.5]", "[1, 2, 3, 4]", "item 3: 3.5 is taken as 3"},
+        {"pause", "2.0", "2", ""},
+        {"pause", "2.5", "", ""},
+        {"pause", "-0.5", "", ""},
+        {"path", "[p]", "", ""},
+        {"path", "{{ host }}", "", ""},
+        {"path", "{}", "", ""},
+        {"path", "0640", "'0640'", ""},
+        {"level", "[debug]", "", ""},
+        {"texts", "[a, [b]]", "", ""},
+        {"texts", "[a, {b: x}]", "", ""},
+        {"paths", "[a, {b: 1}]", "", ""},
+        {"paths", "[a, []]", "", ""},
+        {"bytes", "8", "[8]", ""},
+        {"bytes", "0x8", "", ""},
+        {"bytes", "201", "", ""},
+        {"bytes", "~", "", ""},
+        {"paths", "1.20", "['1.20']", ""},
+        {"paths", "no", "['no']", ""},
+        {"paths", "True", "['True']", ""},
+        {"paths", "!!int 8", "", ""},
+        {"paths", "{a: b}", "", ""},
+        {"levels", "debug", "['debug']", ""},
+    };
+    for (const auto& [key, written, value, advice] : rows) {
+        std::vector<app::Fault> faults;
+        const auto now =
+            schema().load({app::text("all:\n  " + std::string(key) + ": " + written + "\n  token: t", "f")},
+                          {.report = [&](const app::Fault& fault) { faults.push_back(fault); }});
+        const std::string label = "all." + std::string(key);
+        const bool refused = *value == '\0';
+        ASSERT_EQ(faults.size(), refused || *advice != '\0' ? 1U : 0U) << key << written;
+        EXPECT_EQ(now.values().held(label) == nullptr, refused) << key << written;
+        EXPECT_EQ(now.values().shown(label),
+                  refused ? display(schema().declaration().key(label).default_value()) : value);
+        if (faults.empty()) continue;
+        EXPECT_EQ(faults[0].severity, refused ? app::Severity::warning : app::Severity::advice);
+        EXPECT_THAT(faults[0].message, testing::EndsWith(refused ? "" : ": " + std::string(advice)));
+        EXPECT_EQ(faults[0].line, 2U);
+    }
 }
 
 TEST(Schema, TakesDefaultsFromTheConfiguration) {
@@ -362,6 +430,7 @@ TEST(Lint, FindsWhatIsWrongWithADeclaration) {
     };
     struct Wrong {
         Narrow s;
+        app::Raw r;
     };
     EXPECT_THAT(
         outcome([] {
@@ -376,7 +445,10 @@ TEST(Lint, FindsWhatIsWrongWithADeclaration) {
                                  app::key(&Narrow::f, "f", ""),
                                  app::key(&Narrow::a, "g", "Doc."),
                                  app::key(&Narrow::h, "h", "Doc."),
-                             })}
+                             }),
+                app::raw(&Wrong::r, "r", "Doc.", {Restart::none}),
+                app::section(&Wrong::s, "t", "Doc.", {.restart = Restart::none}, {}),
+                app::raw(&Wrong::r, "u", "Doc.", {Restart::none})}
                 .declaration()
                 .sections()
                 .front()
@@ -392,7 +464,8 @@ TEST(Lint, FindsWhatIsWrongWithADeclaration) {
             "s.d: its choice 'x' is there twice\n"
             "s.e: its bounds admit nothing: Bound\\(low=2, high=1, low_open=False\\)\n"
             "s.f: it has no doc\n"
-            "s.g: its member is that of a as well\ns.h: names_of names no value of its type"));
+            "s.g: its member is that of a as well\ns.h: names_of names no value of its type\n"
+            "t: its member is that of s as well\nu: its member is that of r as well"));
 }
 
 }  // namespace

@@ -132,11 +132,11 @@ TEST_F(Set, ChangesTheValuesAloneOrNothing) {
         {"log:\r\n  x: >+\r\n   a\r\n\r\n  # c\r\n", set_off,
          "log:\r\n  x: >+\r\n   a\r\n\r\n  utc: false\r\n  # c\r\n"},
         {on, "lgo.a=1 log.utc=0 log.utx=2 log.utc=1 log.level=loud log.utc utc=0",
-         "There is no section 'lgo'; did you mean 'log'?\n"
-         "There is no key of log 'utx'; did you mean 'utc'?\nlog.utc is given twice\n"
+         "there is no section 'lgo'; did you mean 'log'?\n"
+         "there is no key 'log.utx'; did you mean 'log.utc'?\nlog.utc is given twice\n"
          "Invalid value for log.level: 'loud'. Must be one of: debug, error, info, warning\n"
-         "Expected SECTION.KEY=VALUE, got 'log.utc'\n"
-         "Expected SECTION.KEY=VALUE, got 'utc=0'\n"},
+         "write 'log.utc' as SECTION.KEY=VALUE\n"
+         "there is no key 'utc'; did you mean 'log.utc'?\n"},
         {on, "log.file=\"$(printf '\\377')\"", "Cannot write log.file: '\\udcff' is no UTF-8\n"},
         {"a: 1\na: 2\n", set_off, "f.yaml:2:1: this key is there twice\n"},
         {"log:\r  utc: on\r", set_off, "Cannot change the file: a carriage return alone ends a line in it\n"},

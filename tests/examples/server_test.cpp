@@ -146,7 +146,7 @@ TEST_F(Serve, AnswersUntilASignalComes) {
         {to_log + " --set server.workers=3", "await listening log; echo X-$(ls /proc/$pid/task | wc -l)", "X-4|0"},
         // What it reloads: at once for the next request, with the workers, after a restart or not at all.
         {to_log,
-         "ask /; hup 'cache: {bypass: [/]}'; ask /; hup cache:; ask /; ask /; hup 'cache: {ttl: 1e-9}'; ask /; "
+         "ask /; hup 'cache: {bypass: [/]}'; ask /; hup 'x-: {}'; ask /; ask /; hup 'cache: {ttl: 1e-9}'; ask /; "
          "hup 'server: {maintenance: 1}'; last /",
          ok + "Response 1 /|" + ok + "Response 2 /|" + ok + "Response 3 /|" + ok + "Response 3 /|" + ok +
              "Response 4 /|" + unavailable + close + "0"},

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <map>
 #include <string_view>
 #include <utility>
 
@@ -18,30 +20,32 @@ bool is_infinite(const config::Number& end) {
     return number != nullptr && std::isinf(*number);
 }
 
-// The end as a float has it, if its member is one.
+// The end as a float has it, if the member is one.
 config::Number as_held(const config::Number& end, bool single) {
     const double* const number = end.if_double();
     return single && number != nullptr ? shortest(static_cast<float>(*number)) : end;
 }
 
-// The bounds of the options, with those of the type for the ends that they leave open.
-void narrow(std::optional<config::Bound>& bounds, const MemberType& type,
-            std::vector<std::string>& mistakes) {
-    const config::Bound& limits = *type.limits;
-    if (!bounds) {
-        bounds = limits;
-        return;
-    }
-    const bool low_given = !is_infinite(bounds->low());
-    const bool high_given = bounds->high() && !is_infinite(*bounds->high());
-    if ((low_given && bounds->low() < limits.low()) ||
-        (high_given && *bounds->high() > *limits.high()))
+// The bounds that are asked for, as a member of this type has them; infinite at open ends.
+config::Bound as_held(const config::Bound& bounds, bool single) {
+    constexpr double infinite = std::numeric_limits<double>::infinity();
+    return config::Bound(
+        as_held(bounds.low(), single),
+        {.high = bounds.high() ? as_held(*bounds.high(), single) : config::Number(infinite),
+         .low_open = bounds.low_open() && !is_infinite(bounds.low())});
+}
+
+// The same with those of the type for the ends that are left open.
+config::Bound narrowed(const config::Bound& said, const config::Bound& limits,
+                       std::vector<std::string>& mistakes) {
+    const bool low_given = !is_infinite(said.low());
+    const bool high_given = !is_infinite(*said.high());
+    if ((low_given && said.low() < limits.low()) || (high_given && *said.high() > *limits.high()))
         mistakes.push_back("its bounds go beyond its member's type, which holds what is " +
                            limits.text());
-    bounds =
-        config::Bound(low_given ? as_held(bounds->low(), type.single) : limits.low(),
-                      {.high = high_given ? as_held(*bounds->high(), type.single) : *limits.high(),
-                       .low_open = low_given && bounds->low_open()});
+    return config::Bound(
+        low_given ? said.low() : limits.low(),
+        {.high = high_given ? *said.high() : *limits.high(), .low_open = said.low_open()});
 }
 
 // A doc that does not speak of the unit says it at its end.
@@ -76,12 +80,19 @@ BoundKey::BoundKey(MemberReference member, const MemberOperations& operations,
         traits_.mistakes.emplace_back("names_of names no value of its type");
     if (options.bounds != nullptr) judging.bounds = std::move(*options.bounds);
     if (options.choices != nullptr) judging.choices = std::move(*options.choices);
-    if (counted.limits) narrow(judging.bounds, counted, traits_.mistakes);
+    std::optional<config::Bound> said;
+    if (counted.limits) {
+        constexpr double infinite = std::numeric_limits<double>::infinity();
+        said = as_held(judging.bounds.value_or(config::Bound(-infinite)), counted.single);
+        judging.bounds = narrowed(*said, *counted.limits, traits_.mistakes);
+    }
     if (!list) {
         options_ = std::move(judging);
+        traits_.said_bounds = std::move(said);
     } else if (type.items != nullptr || !judging.choices.empty()) {
         traits_.items = std::make_shared<const ItemRules>(
-            ItemRules{counted.kind, config::Setting(doc_, std::move(judging)), counted.single});
+            ItemRules{counted.kind, config::Setting(doc_, std::move(judging)), counted.single,
+                      std::move(said)});
     }
     if (options.env) options_.env.emplace(*options.env);
     options_.restart = options.restart;
@@ -114,7 +125,15 @@ config::FieldDecl describe_section(std::string_view name, Line doc, config::Sect
 Declaration declare(std::vector<BoundSection> sections, std::shared_ptr<void> (*make)()) {
     std::vector<config::FieldDecl> fields;
     fields.reserve(sections.size());
-    for (const BoundSection& section : sections) fields.push_back(section.field);
+    std::map<AnyMember, std::string> members;
+    std::vector<std::string> mistakes;
+    for (const BoundSection& section : sections) {
+        const std::string& name = section.field.name();
+        const auto [first, fresh] = members.try_emplace(section.member.member, name);
+        if (!fresh)
+            mistakes.push_back(name + ": its member is that of " + first->second + " as well");
+        fields.push_back(section.field);
+    }
     const config::RecordType config_type("Config", std::move(fields));
     const auto bind = [sections = std::move(sections), make](const Values::Data& data) {
         std::shared_ptr<void> config = make();
@@ -126,7 +145,7 @@ Declaration declare(std::vector<BoundSection> sections, std::shared_ptr<void> (*
         }
         return config;
     };
-    return {config_type, bind};
+    return {config_type, bind, std::move(mistakes)};
 }
 
 const void* bound(const Values& values) noexcept {

@@ -94,7 +94,7 @@ private:
         if (given) return;
         turn.giver.state = State::gives;
         turn.giver.source = path;
-        turn.intake.take_text(turn.key, text, path, {.secret = true});
+        turn.intake.take_text(turn.key, text, path, {.privacy = Privacy::secret});
     }
 
     // Advises of files whose names are nearly those of keys.
@@ -108,9 +108,7 @@ private:
             if (known || !intake.may_hint()) continue;
             const std::string near = utils::did_you_mean(name, labels);
             if (near.empty()) continue;
-            const std::string path = utils::path_in(directory_, name);
-            intake.add_advice(FaultKind::unread_file, "", path,
-                              utils::one_line(path) + ": is not read" + near);
+            intake.add_unread(utils::path_in(directory_, name), near);
         }
     }
 

@@ -15,9 +15,11 @@ namespace velmora::app {
 
 namespace {
 
-std::shared_ptr<const Declaration::Data> checked(const config::RecordType& config_type) {
+std::shared_ptr<const Declaration::Data> checked(const config::RecordType& config_type,
+                                                 const std::vector<std::string>& more_mistakes) {
     auto data = std::make_shared<const Declaration::Data>(config_type);
-    const std::vector<std::string> mistakes = mistakes_in(*data);
+    std::vector<std::string> mistakes = mistakes_in(*data);
+    mistakes.insert(mistakes.end(), more_mistakes.begin(), more_mistakes.end());
     if (mistakes.empty()) return data;
     throw TypeError("the declaration has mistakes:\n" + utils::joined(mistakes, "\n"));
 }
@@ -25,27 +27,35 @@ std::shared_ptr<const Declaration::Data> checked(const config::RecordType& confi
 }  // namespace
 
 Declaration::Data::Data(const config::RecordType& config_type)
-    : sections_(sections_of(config_type)) {
+    : declared_(sections_of(config_type)) {
     const config::Record defaults = config_type.make();
-    for (const config::Section& section : sections_) {
-        const config::FieldDecl& field = *config_type.find_field(section.name());
-        const auto record = defaults.get<config::Record>(section.name());
-        raw_.push_back(!field.metadata()[_RAW_SECTION].is_null());
-        mistyped_.push_back(record.type() != section.kind());
-        first_keys_.push_back(keys_.size());
+    for (const config::Section& section : declared_) {
+        const auto& metadata = config_type.find_field(section.name())->metadata();
+        const auto said = metadata[_SECTION_TRAITS].get_if<SectionTraits>();
+        const SectionTraits traits = said != nullptr ? *said : SectionTraits();
+        DeclaredSection& made =
+            sections_.emplace_back(DeclaredSection{.section = &section,
+                                                   .first_key = keys_.size(),
+                                                   .raw = traits.raw,
+                                                   .secret = traits.secret,
+                                                   .has_secrets = traits.secret});
+        made.mistyped = defaults.get<config::Record>(section.name()).type() != section.kind();
         sections_by_name_.emplace(section.name(), sections_by_name_.size());
         const config::Record own = section.kind().make();
         for (const config::Key& key : section.keys()) {
-            const auto& metadata = section.kind().find_field(key.name())->metadata();
-            keys_.emplace_back(key, metadata[_KEY_TRAITS].get_if<KeyTraits>().get(),
+            const auto& of_key = section.kind().find_field(key.name())->metadata();
+            keys_.emplace_back(key, of_key[_KEY_TRAITS].get_if<KeyTraits>().get(),
                                own.get<config::ConfigValue>(key.name()));
+            made.has_secrets = made.has_secrets || keys_.back().traits().secret;
         }
+        has_secrets_ = has_secrets_ || made.has_secrets;
     }
+    for (DeclaredSection& each : sections_)
+        each.keys = std::span(keys_).subspan(each.first_key, each.section->keys().size());
     for (std::size_t i = 0; i < keys_.size(); ++i) {
         keys_by_label_.emplace(keys_[i].label(), i);
         for (const std::string& name : keys_[i].traits().formerly)
             keys_by_old_label_.emplace(keys_[i].old_label(name), i);
-        has_secrets_ = has_secrets_ || keys_[i].traits().secret;
     }
 }
 
@@ -64,10 +74,21 @@ std::size_t Declaration::Data::find_old_key(const std::string& label) const {
     return found != keys_by_old_label_.end() ? found->second : none;
 }
 
-bool Declaration::Data::is_key(std::size_t section, const std::string& name) const {
-    return sections_[section].kind().find_field(name) != nullptr ||
-           (!keys_by_old_label_.empty() &&
-            find_old_key(sections_[section].name() + "." + name) != none);
+std::size_t Declaration::Data::find_key(std::size_t section, const std::string& name) const {
+    const std::string label = section_name(section) + "." + name;
+    const std::size_t found = find_key(label);
+    return found != none ? found : find_old_key(label);
+}
+
+std::vector<std::size_t> Declaration::Data::keys_meant(std::string_view name) const {
+    if (const std::size_t key = find_key(name); key != none) return {key};
+    const std::size_t section = find_section(name);
+    std::vector<std::size_t> meant;
+    for (std::size_t i = 0; i < keys_.size(); ++i) {
+        if (section != none ? keys_[i].key().section() == name : keys_[i].key().name() == name)
+            meant.push_back(i);
+    }
+    return meant;
 }
 
 std::size_t Declaration::Data::section_at(std::string_view name) const {
@@ -82,6 +103,14 @@ std::size_t Declaration::Data::key_at(std::string_view label) const {
     return found;
 }
 
+std::string Declaration::Data::labels_text(const std::vector<std::size_t>& keys) const {
+    constexpr std::size_t most = 5;
+    std::vector<std::string> labels;
+    for (std::size_t i = 0; i < std::min(keys.size(), most); ++i)
+        labels.push_back(utils::quoted_text(keys_[keys[i]].label()));
+    return utils::joined(labels) + (keys.size() > most ? ", ..." : "");
+}
+
 std::string Declaration::Data::no_section_text(std::string_view name) const {
     return "there is no section " + utils::shown_text(name) + hint_for_section(name);
 }
@@ -89,44 +118,78 @@ std::string Declaration::Data::no_section_text(std::string_view name) const {
 std::string Declaration::Data::no_key_text(std::string_view label) const {
     const std::string_view name = label.substr(0, label.find('.'));
     const std::size_t section = find_section(name);
+    const std::vector<std::size_t> meant = keys_meant(label);
+    if (section == none && !meant.empty())
+        return "there is no key " + utils::shown_text(label) + "; did you mean " +
+               labels_text(meant) + "?";
     if (section == none) return no_section_text(name);
-    if (is_raw(section)) return "the section " + std::string(name) + " is read as a whole";
+    if (sections_[section].raw) return "the section " + std::string(name) + " is read as a whole";
+    if (name == label)
+        return std::string(name) + " is a section; its keys are " + labels_text(meant);
     std::vector<std::string_view> labels;
-    const std::size_t first = first_keys_[section];
-    for (std::size_t i = 0; i < sections_[section].keys().size(); ++i)
-        labels.push_back(keys_[first + i].label());
+    for (const JudgedKey& key : sections_[section].keys) labels.push_back(key.label());
     return "there is no key " + utils::shown_text(label) + utils::did_you_mean(label, labels);
 }
 
 std::string Declaration::Data::hint_for_section(std::string_view name) const {
-    return utils::did_you_mean(name, utils::names_of(sections_));
+    if (const std::size_t key = find_key(name); key != none)
+        return "; write " + keys_[key].key().name() + " under " + keys_[key].key().section();
+    std::string near = utils::did_you_mean(name, utils::names_of(declared_));
+    if (!near.empty()) return near;
+    const std::vector<std::size_t> meant = keys_meant(name);
+    return meant.empty() ? "" : "; did you mean " + labels_text(meant) + "?";
 }
 
 std::string Declaration::Data::hint_for_key(std::size_t section, std::string_view name) const {
-    return utils::did_you_mean(name, utils::names_of(sections_[section].keys()));
+    if (const std::size_t key = find_key(name); key != none)
+        return "; write " + keys_[key].key().name() + " under " + keys_[key].key().section();
+    const std::string near =
+        utils::did_you_mean(name, utils::names_of(sections_[section].section->keys()));
+    if (!near.empty()) return near;
+    const std::vector<std::size_t> meant =
+        find_section(name) == none ? keys_meant(name) : std::vector<std::size_t>();
+    return meant.empty() ? "" : "; did you mean " + labels_text(meant) + "?";
 }
 
 Declaration::Declaration(const config::RecordType& config_type)
-    : Declaration(config_type, nullptr) {}
+    : Declaration(config_type, nullptr, {}) {}
 
-Declaration::Declaration(const config::RecordType& config_type, detail::Bind bind)
-    : data_(checked(config_type)), uses_(std::make_shared<const Uses>(Uses{std::move(bind)})) {}
+Declaration::Declaration(const config::RecordType& config_type, detail::Bind bind,
+                         std::vector<std::string> mistakes)
+    : data_(checked(config_type, mistakes)),
+      uses_(std::make_shared<const Uses>(Uses{std::move(bind)})) {}
 
-const std::vector<config::Section>& Declaration::sections() const noexcept {
-    return data_->sections();
+std::vector<Section> Declaration::sections() const {
+    std::vector<Section> all;
+    all.reserve(data_->sections().size());
+    for (const DeclaredSection& each : data_->sections())
+        all.push_back(Section(std::shared_ptr<const DeclaredSection>(data_.share(), &each)));
+    return all;
 }
 
-const config::Section& Declaration::section(std::string_view name) const {
-    return sections()[data_->section_at(name)];
+Section Declaration::section(std::string_view name) const {
+    const DeclaredSection& section = data_->sections()[data_->section_at(name)];
+    return Section(std::shared_ptr<const DeclaredSection>(data_.share(), &section));
 }
 
-const config::Key& Declaration::key(std::string_view label) const {
-    return data_->keys()[data_->key_at(label)].key();
+Key Declaration::key(std::string_view label) const {
+    const JudgedKey& key = data_->keys()[data_->key_at(label)];
+    return Key(std::shared_ptr<const JudgedKey>(data_.share(), &key));
+}
+
+std::vector<Key> Declaration::keys(std::string_view name) const {
+    const std::vector<std::size_t> meant = data_->keys_meant(name);
+    if (meant.empty()) throw config::ConfigKeyError(data_->no_key_text(name));
+    std::vector<Key> keys;
+    for (const std::size_t each : meant)
+        keys.push_back(Key(std::shared_ptr<const JudgedKey>(data_.share(), &data_->keys()[each])));
+    return keys;
 }
 
 Declaration Declaration::check(std::vector<std::string> labels, Check rule) const {
     for (const std::string& label : labels) data_->key_at(label);
     if (labels.empty()) throw ValueError("a check must name the keys that it speaks of");
+    if (rule == nullptr) throw TypeError("a check must be a function");
     Uses uses = *uses_;
     uses.checks.push_back({std::move(labels), std::move(rule)});
     Declaration checking = *this;
@@ -136,6 +199,12 @@ Declaration Declaration::check(std::vector<std::string> labels, Check rule) cons
 
 Values Declaration::load(const std::vector<Layer>& layers, const LoadOptions& options) const {
     return Loading(*this, layers, options).load();
+}
+
+std::vector<Fault> Declaration::faults_of(const Layer& layer) const {
+    const std::vector<Layer> layers = {layer};
+    const LoadOptions options;
+    return Loading(*this, layers, options).faults();
 }
 
 }  // namespace velmora::app

@@ -15,10 +15,10 @@
 #include <vector>
 
 #include "velmora/app/fault.hpp"
+#include "velmora/app/key.hpp"
 #include "velmora/app/layer.hpp"
 #include "velmora/app/values.hpp"
 #include "velmora/config/record_type.hpp"
-#include "velmora/config/schema.hpp"
 #include "velmora/utils/export.hpp"
 #include "velmora/utils/not_null.hpp"
 
@@ -46,24 +46,32 @@ public:
     explicit Declaration(const config::RecordType& config_type);
 
     /// In the order of declaration.
-    const std::vector<config::Section>& sections() const noexcept;
+    std::vector<Section> sections() const;
 
     /// The section of this name, or the key with this label. Throw ConfigKeyError, which names the
     /// nearest one, when there is none. The second takes constant time.
-    const config::Section& section(std::string_view name) const;
-    const config::Key& key(std::string_view label) const;
+    Section section(std::string_view name) const;
+    Key key(std::string_view label) const;
+
+    /// The keys that a person means by a label, by the name of a section or by that of keys in any
+    /// section, in the order of declaration. Throws ConfigKeyError when there are none.
+    std::vector<Key> keys(std::string_view name) const;
 
     /// What is wrong with values that each are accepted; an empty text for nothing.
     using Check = std::function<std::string(const Values&)>;
 
     /// The declaration with a check that every load makes of what is about to hold; a load that it
-    /// finds fault with fails. Earlier checks stay. `labels` are the keys that it speaks of, at least one. Throws
-    /// ConfigKeyError for a label that is no key's.
+    /// finds fault with fails. Earlier checks stay. `labels` are the keys that it speaks of, at
+    /// least one. Throws ConfigKeyError for a label that is no key's, TypeError for a null `rule`.
     [[nodiscard]] Declaration check(std::vector<std::string> labels, Check rule) const;
 
     /// The values that hold when each layer goes over those before it. Throws LoadError for faults
-    /// that are errors, with all others in it; then nothing has been reported.
+    /// that are errors, with all others and the values in it; then nothing has been reported.
     Values load(const std::vector<Layer>& layers, const LoadOptions& options = {}) const;
+
+    /// All that is wrong with a source looked at by itself, as a load would report it, but for what
+    /// others may mend: required keys that it does not give, and checks.
+    std::vector<Fault> faults_of(const Layer& layer) const;
 
     class Data;
 
@@ -75,7 +83,8 @@ private:
     /// What is made of the values of a load before they are checked, and the checks.
     struct Uses;
 
-    Declaration(const config::RecordType& config_type, detail::Bind bind);
+    Declaration(const config::RecordType& config_type, detail::Bind bind,
+                std::vector<std::string> mistakes);
 
     utils::NotNull<Data> data_;
     utils::NotNull<Uses> uses_;

@@ -125,9 +125,7 @@ private:
         std::string end = path.substr(path.rfind('.') + 1);
         for (char& c : end) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
         if (end == "yml" || end == "yaml")
-            intake.add_advice(
-                FaultKind::unread_file, "", path,
-                utils::one_line(path) + R"(: is not read: names must end in ".yaml")");
+            intake.add_unread(path, R"(: names must end in ".yaml")");
     }
 
     std::string path_;

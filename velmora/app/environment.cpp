@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "velmora/app/source.hpp"
+#include "velmora/utils/nearest_name.hpp"
 #include "velmora/utils/read_file.hpp"
 #include "velmora/utils/texts.hpp"
 
@@ -58,17 +59,22 @@ public:
             }
         }
         for (std::size_t i = 0; i < keys.size(); ++i) {
-            Turn turn = {intake, i};
+            Turn turn = {.intake = intake, .key = i};
             for (const std::string& name : all_names[i]) {
                 const bool old = &name != &all_names[i].front();
                 if (users[name] > 1) add_ambiguous(intake, keys[i], name);
-                if (const std::string* const text = find(name)) take(turn, "$" + name, *text, old);
+                if (const std::string* const text = find(name))
+                    take(turn, "$" + name, *text, old, {.may_be_quoted = false});
                 if (!keys[i].traits().secret) continue;
                 const std::string file = name + "_FILE";
                 if (users[file] > 1) add_ambiguous(intake, keys[i], file);
                 if (const std::string* const path = find(file))
                     take_file(turn, "$" + file, *path, old);
             }
+        }
+        for (const auto& [name, text] : variables_) {
+            if (!users.contains(name) && find(name) != nullptr)
+                look_at_unread(intake, name, text, all_names, users);
         }
     }
 
@@ -105,12 +111,13 @@ private:
                              " and for another key: name another variable for it");
     }
 
-    static void take(Turn& turn, const std::string& variable, const std::string& text, bool old) {
+    static void take(Turn& turn, const std::string& variable, const std::string& text, bool old,
+                     Intake::TextOptions options = {}) {
         const bool given = !turn.given_by.empty();
         if (old) turn.intake.add_old_name(turn.key, variable, variable, "the environment", given);
         if (given) return;
-        turn.intake.take_text(turn.key, text, source_named(variable),
-                              {.note = note_on(turn.judged(), text)});
+        options.note = note_on(turn.judged(), text);
+        turn.intake.take_text(turn.key, text, source_named(variable), options);
         turn.given_by = variable;
     }
 
@@ -135,6 +142,48 @@ private:
                                given ? Giver::State::gives : Giver::State::empty,
                                source_named(variable), turn.key});
         if (given) take(turn, variable, text, old);
+    }
+
+    // What is not read but may have been meant to be.
+    void look_at_unread(Intake& intake, const std::string& name, std::string_view text,
+                        const std::vector<std::vector<std::string>>& all_names,
+                        const std::unordered_map<std::string, std::size_t>& users) const {
+        constexpr std::string_view file = "_FILE";
+        const auto& keys = intake.declaration().keys();
+        const bool names_file = name.ends_with(file);
+        const std::string of_file = name.substr(0, name.size() - (names_file ? file.size() : 0));
+        const bool ours = !prefix_.empty() && name.starts_with(prefix_);
+        for (std::size_t i = 0; i < keys.size() && (names_file || ours); ++i) {
+            if (names_file && utils::is_one_of(of_file, all_names[i])) {
+                intake.add_unread("$" + name, ": only that of a secret key names a file, and " +
+                                                  keys[i].label() + " is none");
+                return;
+            }
+            const auto& own = keys[i].key().setting().env();
+            if (ours && own && name == prefix_ + as_variable(keys[i].label())) {
+                intake.add_unread("$" + name,
+                                  ": the variable of " + keys[i].label() + " is $" + *own);
+                return;
+            }
+        }
+        if (!ours || is_of_platform(name, text) || !intake.may_hint()) return;
+        std::vector<std::string_view> known;
+        for (const auto& [each, count] : users) {
+            if (each.starts_with(prefix_))
+                known.push_back(std::string_view(each).substr(prefix_.size()));
+        }
+        std::sort(known.begin(), known.end());
+        const std::string_view near =
+            utils::nearest_name(std::string_view(name).substr(prefix_.size()), known);
+        if (!near.empty())
+            intake.add_unread("$" + name, "; did you mean $" + prefix_ + std::string(near) + "?");
+    }
+
+    // What container platforms set for the services that they run.
+    static bool is_of_platform(std::string_view name, std::string_view text) {
+        return is_address(text) || name.ends_with("_SERVICE_HOST") ||
+               name.find("_SERVICE_PORT") != std::string_view::npos ||
+               name.find("_PORT_") != std::string_view::npos;
     }
 
     static std::string note_on(const JudgedKey& key, std::string_view text) {

@@ -16,6 +16,11 @@ std::string place_of(const GivenValue* given) {
     return given != nullptr ? utils::one_line(given->place()) : "";
 }
 
+std::string shown_of(const JudgedKey& key, const GivenValue& given) {
+    const bool hidden = given.is_secret() && !given.reveal().is_null();
+    return hidden ? std::string(hidden_text) : key.shown_in_full(given.reveal());
+}
+
 Explanation explain_key(const Values::Data& data, std::size_t position) {
     const JudgedKey& key = data.declaration->keys()[position];
     Explanation all{.label = key.label(),
@@ -32,7 +37,7 @@ Explanation explain_key(const Values::Data& data, std::size_t position) {
     for (const GivenValue& each : given) {
         if (&each == held) continue;
         (each.accepted() ? all.hidden : all.refused)
-            .push_back({key.shown_in_full(each.value), place_of(&each), each.refusal});
+            .push_back({shown_of(key, each), place_of(&each), each.refusal()});
     }
     return all;
 }
@@ -105,15 +110,11 @@ Plan plan_between(const Values::Data& old, const Values::Data& now) {
         plan.add({keys[i].label(), keys[i].shown_in_full(*old.held[i]),
                   keys[i].shown_in_full(*now.held[i]), keys[i].key().restart()});
     }
-    const bool secrets = now.declaration->has_secrets();
-    const auto shown = [secrets](const Raw& raw) {
-        return secrets && !raw.value().is_null() ? "(secret)" : display(raw.value());
-    };
     for (std::size_t i = 0; i < now.raws.size(); ++i) {
         if (same(old.raws[i], now.raws[i])) continue;
-        const config::Section& section = now.declaration->sections()[i];
-        plan.add(
-            {section.name(), shown(old.raws[i]), shown(now.raws[i]), section.setting().restart()});
+        const config::Section& section = *now.declaration->sections()[i].section;
+        plan.add({section.name(), old.raws[i].shown(), now.raws[i].shown(),
+                  section.setting().restart()});
     }
     return plan;
 }

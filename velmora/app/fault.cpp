@@ -1,13 +1,11 @@
 #include "velmora/app/fault.hpp"
 
 #include <algorithm>
-#include <memory>
 #include <ostream>
 #include <utility>
 
 #include "velmora/utils/logging.hpp"
 #include "velmora/utils/quoting.hpp"
-#include "velmora/utils/texts.hpp"
 #include "velmora/utils/unicode.hpp"
 
 namespace velmora::app {
@@ -68,16 +66,9 @@ std::string with_place(const Fault& fault) {
     return place + std::string(weight_of(fault.severity)) + fault.message;
 }
 
-std::vector<std::string> lines_of(const std::vector<Fault>& faults) {
-    std::vector<std::string> lines;
-    lines.reserve(faults.size());
-    for (const Fault& fault : faults) lines.push_back(one_line(fault));
-    return lines;
-}
-
 }  // namespace
 
-Excerpt::Excerpt(std::string_view line, std::size_t offset, std::size_t size, bool alone) {
+Excerpt::Excerpt(std::string_view line, std::size_t offset, std::size_t size) {
     constexpr std::size_t most_before = 60;
     constexpr std::size_t most_after = 40;
     offset = std::min(offset, line.size());
@@ -86,10 +77,9 @@ Excerpt::Excerpt(std::string_view line, std::size_t offset, std::size_t size, bo
     if (kept.size() < before.size()) line_ = ellipsis;
     line_ += utils::one_line(kept);
     marker_.assign(characters_in(line_), ' ');
-    if (alone) line_ = marker_;
     const std::string marked = beginning(line.substr(offset, size), most_before);
     line_ += marked;
-    if (!alone) line_ += beginning(line.substr(std::min(offset + size, line.size())), most_after);
+    line_ += beginning(line.substr(std::min(offset + size, line.size())), most_after);
     marker_ += "^";
     marker_.append(std::max<std::size_t>(characters_in(marked), 1) - 1, '~');
 }
@@ -125,9 +115,5 @@ void log_fault(const Fault& fault, bool with_place) {
     (is_of_component(fault) ? component : own)
         .log(level_of(fault.severity), "%s", with_place ? one_line(fault) : fault.message);
 }
-
-LoadError::LoadError(std::vector<Fault> faults)
-    : ValueError(utils::joined(lines_of(faults), "\n")),
-      faults_(std::make_shared<const std::vector<Fault>>(std::move(faults))) {}
 
 }  // namespace velmora::app

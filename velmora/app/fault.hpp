@@ -10,13 +10,10 @@
 
 #include <cstddef>
 #include <iosfwd>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "velmora/utils/errors.hpp"
 #include "velmora/utils/export.hpp"
 
 namespace velmora::app {
@@ -28,7 +25,9 @@ enum class FaultKind {
     old_name,            ///< A key that is given by a name that it had before. Advice always.
     unusable_source,     ///< A file that is missing, cannot be read, is no YAML or has no sections,
                          ///< or what a reload finds empty.
-    unread_file,         ///< A file that is not looked at for its name. Advice always.
+    altered_value,       ///< A number that its key takes as another one. Advice always.
+    doubtful_text,       ///< A text between quotes that are part of it. Advice always.
+    unread_name,  ///< What is not read, though its name is nearly one that is. Advice always.
     ambiguous_variable,  ///< A variable that, by its prefix, would stand for two keys.
     missing_value,       ///< A required key for which there is no value.
     failed_check,        ///< Values that do not go together.
@@ -45,9 +44,8 @@ enum class Severity {
 /// character, and a long line is cut.
 class VELMORA_EXPORT Excerpt {
 public:
-    /// `offset` and `size` count bytes; a size of 0 marks one place alone. When `alone`, spaces
-    /// stand for all characters that are not marked.
-    Excerpt(std::string_view line, std::size_t offset, std::size_t size, bool alone = false);
+    /// `offset` and `size` count bytes; a size of 0 marks one place alone.
+    Excerpt(std::string_view line, std::size_t offset, std::size_t size);
 
     const std::string& line() const noexcept { return line_; }
     /// "^~~~~", behind as many spaces as put it under its part of the line.
@@ -92,17 +90,5 @@ VELMORA_EXPORT bool is_of_component(const Fault& fault) noexcept;
 /// Logs the fault on one line, advice as info, behind its place if that is wanted: what the component
 /// itself would warn of to velmora.config.spec, everything else to velmora.app.
 VELMORA_EXPORT void log_fault(const Fault& fault, bool with_place = true);
-
-/// Values that cannot come into effect. Its message has a line for every fault.
-class VELMORA_EXPORT LoadError : public ValueError {
-public:
-    explicit LoadError(std::vector<Fault> faults);
-
-    /// All that were found, warnings included.
-    const std::vector<Fault>& faults() const noexcept { return *faults_; }
-
-private:
-    std::shared_ptr<const std::vector<Fault>> faults_;  // Shared: copying must not throw.
-};
 
 }  // namespace velmora::app

@@ -16,7 +16,9 @@ Intake::Intake(std::shared_ptr<const Declaration::Data> declaration, bool alone)
       values_{.declaration = declaration_, .given = {}, .raws = {}},
       alone_(alone) {
     values_.given.resize(declaration_->keys().size());
-    values_.raws.resize(declaration_->sections().size());
+    const ConfigValue nothing;
+    for (const DeclaredSection& each : declaration_->sections())
+        values_.raws.emplace_back(nothing, "", nullptr, each.secret);
     places_.resize(values_.given.size());
     unread_.resize(values_.given.size());
 }
@@ -49,6 +51,11 @@ Fault& Intake::add_old_name(std::size_t key, const std::string& old, const std::
                       renamed + (given ? ", which is given as well: remove it" : ": rename it"));
 }
 
+Fault& Intake::add_unread(const std::string& what, const std::string& why) {
+    return add_advice(FaultKind::unread_name, "", what,
+                      utils::one_line(what) + " is not read" + why);
+}
+
 Fault& Intake::add_advice(FaultKind kind, std::string key, std::string source,
                           std::string message) {
     Fault& fault = add_fault(kind, std::move(key), std::move(source), std::move(message));
@@ -75,25 +82,30 @@ void Intake::add_unreadable(std::size_t key, const std::string& source, const st
 
 void Intake::take_text(std::size_t key, const std::string& text, const SourceName& source,
                        const TextOptions& options) {
-    try {
-        ConfigValue value = declaration().keys()[key].judge({ConfigValue(text)}, options.secret);
-        GivenValue& given = values_.given[key].emplace_back();
-        given.source = source;
-        given.value = std::move(value);
-        places_[key] = {};
-    } catch (const config::ConfigKeyError& error) {
-        refuse_text(key, text, source, error.message());
+    const JudgedKey& judged = declaration().keys()[key];
+    Verdict verdict = judged.judge({.value = ConfigValue(text), .privacy = options.privacy});
+    if (!verdict.accepted()) {
+        refuse_text(key, text, source, verdict.refusal, options.privacy);
         values_.faults.back().note = options.note;
+        return;
     }
+    values_.given[key].emplace_back(source, yaml::Position(), std::move(verdict.value), "",
+                                    judged.traits().secret);
+    places_[key] = {};
+    const bool quoted = text.size() > 1 && text.front() == text.back() &&
+                        (text.front() == '"' || text.front() == '\'');
+    if (quoted && !options.may_be_quoted)
+        add_advice(FaultKind::doubtful_text, judged.label(), *source,
+                   judged.label() + " from " + utils::one_line(*source) +
+                       ": the quotes around it are part of the value");
 }
 
 void Intake::refuse_text(std::size_t key, const std::string& text, const SourceName& source,
-                         const std::string& why) {
-    const std::string& label = declaration().keys()[key].label();
-    GivenValue& given = values_.given[key].emplace_back();
-    given.source = source;
-    given.value = text;
-    given.refusal = why;
+                         const std::string& why, Privacy privacy) {
+    const JudgedKey& judged = declaration().keys()[key];
+    const std::string& label = judged.label();
+    values_.given[key].emplace_back(source, yaml::Position(), text, why,
+                                    judged.traits().secret || privacy != Privacy::open);
     add_fault(FaultKind::refused_value, label, *source,
               ignoring() + label + " from " + utils::one_line(*source) + ": " + why);
     refused_.emplace_back(values_.faults.size() - 1, key);
@@ -102,15 +114,8 @@ void Intake::refuse_text(std::size_t key, const std::string& text, const SourceN
 void Intake::place_at_held(std::size_t key, Fault& fault) const {
     const auto& [document, span] = places_[key];
     if (document == nullptr) return;
-    fault.source = document->name();
-    place(fault, document.get(), span, declaration().keys()[key].traits().secret);
-}
-
-void Intake::place(Fault& fault, const yaml::LocatedValue* document, yaml::Span span,
-                   bool secret) const {
-    if (document == nullptr) return;
-    const Shown rest = declaration().has_secrets() ? Shown::part : Shown::line;
-    place_at(span, *document, secret ? Shown::nothing : rest, fault);
+    fault.source = document->located().name();
+    document->place(span, fault);
 }
 
 std::string Intake::shown(std::size_t key, const ConfigValue& value) const {
@@ -123,18 +128,19 @@ std::string Intake::keeping(const Values::Data& data, std::size_t key) const {
     if (data.is_pending(key))
         return "; keeping " + shown(key, *data.held[key]) + " until a restart";
     if (const GivenValue* held = held_of(data.given[key]))
-        return "; keeping " + shown(key, held->value) + " from " + utils::one_line(held->place());
+        return "; keeping " + shown(key, held->reveal()) + " from " +
+               utils::one_line(held->place());
     if (judged.traits().required) return "";
     return "; keeping the default " + shown(key, judged.default_value());
 }
 
-Values::Data Intake::finish() {
+Values::Data Intake::finish(bool required) {
     const auto& keys = declaration().keys();
     for (std::size_t i = 0; i < keys.size(); ++i) {
         auto& given = values_.given[i];
         std::reverse(given.begin(), given.end());
         const bool known = held_of(given) != nullptr || unread_[i];
-        if (keys[i].traits().required && !known) add_missing(i);
+        if (required && keys[i].traits().required && !known) add_missing(i);
     }
     values_.hold();
     for (const auto& [fault, key] : refused_) {
@@ -172,7 +178,7 @@ std::string Intake::where_empty(std::size_t key) const {
             all.push_back(source +
                           (giver.state == Giver::State::empty ? " is empty" : " is missing"));
         } else if (giver.kind == Kind::section) {
-            if (declaration().sections()[giver.part].name() == section)
+            if (declaration().section_name(giver.part) == section)
                 all.push_back("the " + section + " section of " + source + " is empty");
         } else if (giver.kind != Kind::folder && giver.part == key) {
             all.push_back((giver.kind == Kind::variable ? "the file of " : "") + source +

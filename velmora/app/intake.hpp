@@ -9,10 +9,11 @@
 #include <vector>
 
 #include "velmora/app/declaration_data.hpp"
+#include "velmora/app/document.hpp"
 #include "velmora/app/layer.hpp"
-#include "velmora/app/placing.hpp"
 #include "velmora/app/values_data.hpp"
 #include "velmora/yaml/located.hpp"
+#include "velmora/yaml/yaml.hpp"
 
 namespace velmora::app {
 
@@ -39,7 +40,7 @@ public:
     void add_giver(Giver giver);
     /// A mapping of sections; whether it has any. `document` is null when it stands in none.
     bool take_document(const config::ConfigValue& root, const std::string& name,
-                       std::shared_ptr<const yaml::LocatedValue> document);
+                       std::shared_ptr<const Document> document);
     /// The same of a YAML text.
     bool take_yaml(const std::string& text, const std::string& name);
     /// Says that a source cannot be read, whose values could be those of any key, or of the one at
@@ -49,14 +50,15 @@ public:
 
     struct TextOptions {
         std::string note = {};  ///< Goes with its fault.
-        bool secret = false;    ///< Whether it is not to be shown.
+        Privacy privacy = Privacy::open;
+        bool may_be_quoted = true;  ///< Whether quotes around it are worth no word.
     };
     /// A text for the key at a position.
     void take_text(std::size_t key, const std::string& text, const SourceName& source,
                    const TextOptions& options);
     /// A text that the key at a position does not take from there.
     void refuse_text(std::size_t key, const std::string& text, const SourceName& source,
-                     const std::string& why);
+                     const std::string& why, Privacy privacy = Privacy::open);
     /// Says that the key at a position is given by a name that it had before; `given` says that it is
     /// by its own as well. `shown_source` is what messages call the source.
     Fault& add_old_name(std::size_t key, const std::string& old, const std::string& source,
@@ -73,9 +75,13 @@ public:
 
     /// What is worth knowing although the value holds; it never stands in the way.
     Fault& add_advice(FaultKind kind, std::string key, std::string source, std::string message);
+    /// Advice that something is not read whose name is nearly one that is; `why` begins with a
+    /// punctuation mark.
+    Fault& add_unread(const std::string& what, const std::string& why);
 
-    /// All values and faults. Places can still be asked for.
-    Values::Data finish();
+    /// All values and faults, those of required keys that have none if they are `required`. Places
+    /// can still be asked for.
+    Values::Data finish(bool required = true);
     /// Has the faults say which values hold in place of refused ones.
     void say_what_holds(Values::Data& data) const;
 
@@ -83,17 +89,16 @@ public:
     void place_at_held(std::size_t key, Fault& fault) const;
 
 private:
-    struct Document;
+    struct Source;
     struct Unknown;
 
-    void take_section(const Document& in, std::size_t section, const config::Mapping& top,
+    void take_section(const Source& in, std::size_t section, const config::Mapping& top,
                       const config::Mapping::Entry& entry, std::vector<Unknown>& unknown);
-    void take_value(const Document& in, std::size_t key, const config::Mapping& section,
+    void take_value(const Source& in, std::size_t key, const config::Mapping& section,
                     const config::Mapping::Entry& entry);
-    void add_unknown(const Document& in, const Unknown& unknown);
-    void place(Fault& fault, const yaml::LocatedValue* document, yaml::Span span,
-               bool secret = false) const;
-    std::string named(const Document& in) const;
+    void add_unknown(const Source& in, const Unknown& unknown);
+    void add_unreadable(const std::string& text, const std::string& name, const yaml::Error& error);
+    std::string named(const Source& in) const;
     std::string shown(std::size_t key, const config::ConfigValue& value) const;
     std::string keeping(const Values::Data& data, std::size_t key) const;
     void add_missing(std::size_t key);
@@ -105,7 +110,7 @@ private:
     /// The keys whose values were refused, by the positions of their faults.
     std::vector<std::pair<std::size_t, std::size_t>> refused_;
     /// Where the values stand that hold.
-    std::vector<std::pair<std::shared_ptr<const yaml::LocatedValue>, yaml::Span>> places_;
+    std::vector<std::pair<std::shared_ptr<const Document>, yaml::Span>> places_;
     /// By key, whether it may be given where it could not be read.
     std::vector<bool> unread_;
     bool alone_;

@@ -10,15 +10,7 @@
 //     warn    they are reported, and weaker values hold in their place
 //     refuse  they are errors: nothing is loaded
 //
-// Texts, from wherever they come, are judged as `config::Key::coerce` judges them. What stands in
-// YAML is judged by what YAML makes of it, so the two differ in places:
-//
-//     an int      1e3 and 1.9 are numbers in YAML, cut to 1000 and 1, and no int as texts; 0x1f90
-//                 and 0o17 are numbers in YAML alone; 1_000 is one as a text alone
-//     a bool      yes, on and 1 are flags as texts, and in YAML too where they are read as such
-//     a str       a plain YAML scalar is taken as it is written (1.20, 0640, no), but for null
-//     a list      a, b is one as a text; in YAML a list is, whose plain items are taken as written
-//     no value    null in YAML, for optional keys; no text says it
+// What texts and YAML mean to keys, docs/layers.md tells.
 #pragma once
 
 #include <cstddef>

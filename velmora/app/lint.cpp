@@ -54,11 +54,9 @@ public:
     std::vector<std::string> mistakes() && {
         const auto& sections = declaration_.sections();
         for (std::size_t i = 0; i < sections.size(); ++i) {
-            at_ = sections[i].name();
-            look_at_section(i);
-            const std::size_t first = declaration_.first_key(i);
-            for (std::size_t j = 0; j < sections[i].keys().size(); ++j) {
-                const JudgedKey& key = declaration_.keys()[first + j];
+            at_ = declaration_.section_name(i);
+            look_at_section(sections[i]);
+            for (const JudgedKey& key : sections[i].keys) {
                 at_ = key.label();
                 look_at_key(key);
             }
@@ -69,12 +67,12 @@ public:
 private:
     void add(const std::string& what) { mistakes_.push_back(at_ + ": " + what); }
 
-    void look_at_section(std::size_t position) {
-        const config::Section& section = declaration_.sections()[position];
+    void look_at_section(const DeclaredSection& declared) {
+        const config::Section& section = *declared.section;
         if (!is_name(section.name())) add("this is no name for a section in files and variables");
         if (section.name().starts_with("x-")) add("names that begin with x- are left to anchors");
         look_at_doc(section.setting().doc());
-        if (declaration_.is_mistyped(position))
+        if (declared.mistyped)
             add("its field is declared with another type than its section is made of");
     }
 
@@ -149,9 +147,11 @@ private:
         const config::ConfigValue& value = key.default_value();
         if (value.is_null() && key.traits().required) return;
         try {
-            const config::ConfigValue judged = key.judge({value});
-            if (judged != value)
-                add("its default " + key.shown(value) + " would become " + key.shown(judged));
+            const Verdict judged = key.judge({value});
+            if (!judged.accepted())
+                add("it refuses its own default: " + judged.refusal);
+            else if (judged.value != value)
+                add("its default " + key.shown(value) + " would become " + key.shown(judged.value));
         } catch (const std::exception& error) {
             add("it refuses its own default: " + message_of(error));
         }

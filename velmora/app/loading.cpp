@@ -40,7 +40,7 @@ Fault fault_of_gone(const Giver& before, const Giver& now, const Declaration::Da
                 .note = "to do without its values, restart"};
     std::string what = missing ? "is gone" : "has nothing in it any more";
     if (now.kind == Giver::Kind::section) {
-        fault.key = declaration.sections()[now.part].name();
+        fault.key = declaration.section_name(now.part);
         what = "its section " + fault.key + " is empty, which it was not before";
     } else if (now.kind == Giver::Kind::credential || now.kind == Giver::Kind::variable) {
         fault.key = declaration.keys()[now.part].label();
@@ -81,12 +81,18 @@ Loading::Loading(const Declaration& declaration, const std::vector<Layer>& layer
       alone_(layers.size() == 1 && layers.front().source().is_document()),
       intake_(declaration.data_.share(), alone_) {}
 
-Values::Data Loading::take_layers(bool strict) {
+Values::Data Loading::take_layers(bool strict, bool whole) {
     for (const Layer& layer : layers_) {
         intake_.begin_layer(strict ? OnFault::refuse : layer.source().on_fault());
         layer.source().give(intake_);
     }
-    return intake_.finish();
+    return intake_.finish(whole);
+}
+
+std::vector<Fault> Loading::faults() {
+    Values::Data data = take_layers(false, false);
+    intake_.say_what_holds(data);
+    return std::move(data.faults);
 }
 
 Values Loading::load() {
@@ -103,7 +109,7 @@ Values Loading::reload(const Values& now, const ReloadOptions& how) {
             if (fault.severity == Severity::warning) fault.severity = Severity::error;
         }
     }
-    if (has_error(fresh->faults)) throw LoadError(std::move(fresh->faults));
+    if (has_error(fresh->faults)) throw LoadError(Values(fresh));
 
     Values::Data mixed = *fresh;
     const auto& keys = declaration_.data_->keys();
@@ -112,9 +118,10 @@ Values Loading::reload(const Values& now, const ReloadOptions& how) {
         mixed.given[i] = old.given[i];
         mixed.pending = fresh;
     }
-    const auto& sections = declaration_.sections();
+    const auto& sections = declaration_.data_->sections();
     for (std::size_t i = 0; i < sections.size(); ++i) {
-        if (sections[i].setting().restart() <= how.granted || same(old.raws[i], fresh->raws[i]))
+        if (sections[i].section->setting().restart() <= how.granted ||
+            same(old.raws[i], fresh->raws[i]))
             continue;
         mixed.raws[i] = old.raws[i];
         mixed.pending = fresh;
@@ -137,7 +144,7 @@ Values Loading::finish(Values::Data data) {
         bind(*shared);
         make_checks(now, Severity::error, faults);
     }
-    if (has_error(faults)) throw LoadError(faults);
+    if (has_error(faults)) throw LoadError(std::move(now));
     if (shared->pending != nullptr) make_checks(Values(shared->pending), Severity::warning, faults);
     for (const Fault& fault : faults) {
         // A file alone is warned of in the component's own words.

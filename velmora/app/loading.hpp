@@ -19,12 +19,15 @@ public:
     /// The values of a start.
     Values load();
 
+    /// What is wrong with the layers, but for required keys and checks.
+    std::vector<Fault> faults();
+
     /// The values that are in effect after a reload in place of `now`. Throws LoadError where they
     /// must not be.
     Values reload(const Values& now, const ReloadOptions& how);
 
 private:
-    Values::Data take_layers(bool strict);
+    Values::Data take_layers(bool strict, bool whole = true);
     /// Makes of values what a schema makes of them.
     void bind(Values::Data& data) const;
     /// Binds, checks and reports what is to hold.

@@ -18,26 +18,31 @@
 
 namespace velmora::app {
 
+class Document;
+
 /// What the strongest source that gives a raw section gives, unchecked. Immutable, cheap to copy.
 class VELMORA_EXPORT Raw {
 public:
     /// Of a section that nothing gives.
     Raw() = default;
-    /// `document`, where the value stands in one, may be null; faults show whole lines of it unless
-    /// there is something `secret` in it.
-    Raw(config::ConfigValue value, std::string source,
-        std::shared_ptr<const yaml::LocatedValue> document, bool secret)
+    /// For loads. `document`, where the value stands in one, may be null.
+    Raw(config::ConfigValue value, std::string source, std::shared_ptr<const Document> document,
+        bool secret)
         : value_(std::move(value)),
           source_(std::move(source)),
           document_(std::move(document)),
           secret_(secret) {}
 
-    /// Null when nothing gives it.
-    const config::ConfigValue& value() const noexcept { return value_; }
+    /// Null when nothing gives it. Throws ConfigKeyError for a secret section.
+    const config::ConfigValue& value() const;
+    /// The same of any section.
+    const config::ConfigValue& reveal() const noexcept { return value_; }
+    /// The display form; "(secret)" for what a secret section is given.
+    std::string shown() const;
     /// As messages name it: "/etc/webd.yaml".
     const std::string& source() const noexcept { return source_; }
     /// Knows the places in the value; null when it stands in no file.
-    const yaml::LocatedValue* document() const noexcept { return document_.get(); }
+    const yaml::LocatedValue* document() const noexcept;
 
     /// A warning about what is under a key or at a position in the value, for the application to
     /// report; `entry` and `index` are of `in`, which is in the value. What is not printable in the
@@ -51,7 +56,7 @@ private:
 
     config::ConfigValue value_;
     std::string source_;
-    std::shared_ptr<const yaml::LocatedValue> document_;
+    std::shared_ptr<const Document> document_;
     bool secret_ = false;
 };
 

@@ -26,6 +26,7 @@
 #pragma once
 
 #include <concepts>
+#include <cstddef>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -89,7 +90,7 @@ SectionRow<Config> section(Struct Config::*member, std::string_view name, detail
 /// A section that the application reads itself.
 template <class Config>
 SectionRow<Config> raw(Raw Config::*member, std::string_view name, detail::Line doc,
-                       config::SectionOptions options) {
+                       RawOptions options) {
     return {{raw(std::string(name), std::string(*doc), options),
              detail::reference_to(member),
              true,
@@ -145,6 +146,9 @@ public:
     /// that it speaks of. As `Declaration::check`.
     template <std::invocable<const Config&> Rule>
     [[nodiscard]] Schema check(const std::vector<std::string>& labels, Rule rule) const {
+        if constexpr (std::constructible_from<Rule, std::nullptr_t>) {
+            if (rule == nullptr) return Schema(declaration_.check(labels, nullptr));
+        }
         return Schema(declaration_.check(
             labels, [rule = std::move(rule)](const Values& values) -> std::string {
                 return rule(*static_cast<const Config*>(detail::bound(values)));

@@ -2,8 +2,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "velmora/app/hiding.hpp"
 #include "velmora/app/source.hpp"
 #include "velmora/utils/quoting.hpp"
+#include "velmora/utils/unicode.hpp"
 
 namespace velmora::app {
 
@@ -59,27 +61,58 @@ private:
                                "it is secret, and this can be seen by everyone: give it in a file, "
                                "a variable or a credential");
         } else {
-            intake.take_text(pair.key, pair.text, name_, {});
+            intake.take_text(pair.key, pair.text, name_, {.may_be_quoted = false});
         }
     }
 
     void add_unknown(Intake& intake, const std::string& pair) const {
+        const Declaration::Data& declaration = intake.declaration();
         const std::size_t sign = pair.find('=');
-        // Behind what no label has in it there may be a secret.
-        const std::size_t end =
-            intake.declaration().has_secrets() ? pair.find_first_not_of(label_characters) : sign;
-        const std::string label = pair.substr(0, end);
-        std::string why = "write it as SECTION.KEY=VALUE";
-        if (sign != std::string::npos)
-            why = intake.may_hint() ? intake.declaration().no_key_text(label)
-                                    : "there is no such key";
+        const std::string written = pair.substr(0, sign);
+        const std::size_t meant = key_meant(declaration, written);
+        const std::string label = open_label(declaration, written, sign != std::string::npos);
+        std::string why = "there is no such key";
+        if (meant != Declaration::Data::none) {
+            why = "write it as " + declaration.keys()[meant].label() + "=VALUE";
+        } else if (sign == std::string::npos) {
+            why = "write it as SECTION.KEY=VALUE";
+        } else if (intake.may_hint()) {
+            why = declaration.no_key_text(label);
+        }
         intake.add_fault(FaultKind::unknown_name, label, *name_,
                          intake.ignoring() + utils::shown_text(label) + " from " +
                              utils::one_line(*name_) + ": " + why);
     }
 
-    static constexpr const char* label_characters =
-        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.-";
+    // The key of a label that has spaces around it, another sign than "=" behind it, or in place of
+    // its ".".
+    static std::size_t key_meant(const Declaration::Data& declaration, std::string_view written) {
+        written = utils::trimmed(written);
+        const std::string_view name = name_in(written);
+        const std::size_t whole = declaration.find_key(name);
+        if (whole != Declaration::Data::none || name.size() == written.size()) return whole;
+        const std::string_view rest = written.substr(name.size() + 1);
+        return declaration.find_key(std::string(name) + "." + std::string(name_in(rest)));
+    }
+
+    // As much of what was written as can be no secret: a name, which ends where it is that of a
+    // secret key; without a "=" only one that is known.
+    static std::string open_label(const Declaration::Data& declaration, const std::string& written,
+                                  bool has_sign) {
+        if (!declaration.has_secrets()) return written;
+        const std::string_view name = name_in(written);
+        std::string_view known;
+        for (const JudgedKey& key : declaration.keys()) {
+            std::vector<std::string> labels = {key.label()};
+            for (const std::string& old : key.traits().formerly)
+                labels.push_back(key.old_label(old));
+            for (const std::string& label : labels) {
+                const bool fits = key.traits().secret ? name.starts_with(label) : name == label;
+                if (fits && label.size() > known.size()) known = name.substr(0, label.size());
+            }
+        }
+        return std::string(has_sign && known.empty() ? name : known);
+    }
 
     std::vector<std::string> pairs_;
     SourceName name_;

@@ -38,10 +38,11 @@ config::FieldDetails optional(config::FieldDetails key) {
     return with_traits(std::move(key), std::move(traits));
 }
 
-config::FieldDecl raw(const std::string& name, config::detail::Doc doc,
-                      config::SectionOptions options) {
+config::FieldDecl raw(const std::string& name, config::detail::Doc doc, RawOptions options) {
     const config::RecordType kind(name, {});
-    return {name, kind, with(config::section(kind, std::move(doc), options), _RAW_SECTION, true)};
+    return {name, kind,
+            with(config::section(kind, std::move(doc), {.restart = options.restart}),
+                 _SECTION_TRAITS, SectionTraits{.raw = true, .secret = options.secret})};
 }
 
 }  // namespace velmora::app

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,8 @@ struct ItemRules {
     config::KeyKind kind;
     config::Setting setting;
     bool single = false;
+    /// As `KeyTraits::said_bounds`.
+    std::optional<config::Bound> said_bounds = std::nullopt;
 };
 
 struct KeyTraits {
@@ -38,15 +41,25 @@ struct KeyTraits {
     bool single = false;
     /// What a number of the key counts, "seconds"; empty for nothing in particular.
     std::string unit = {};
+    /// The bounds that were asked for, infinite at ends that only the type of a member has, where
+    /// these differ from those of the setting.
+    std::optional<config::Bound> said_bounds = std::nullopt;
     /// Null for a list of texts.
     std::shared_ptr<const ItemRules> items = nullptr;
     /// What is wrong with how the key is declared, as far as only its declaration can tell.
     std::vector<std::string> mistakes = {};
 };
 
-/// The keys of a field's metadata under which its traits stand, and the mark of a raw section.
+struct SectionTraits {
+    /// Whether the application reads the section itself.
+    bool raw = false;
+    /// Whether what a raw section holds is to be shown nowhere, as `KeyTraits::secret` has it.
+    bool secret = false;
+};
+
+/// The keys of a field's metadata under which its traits stand.
 inline constexpr std::string_view _KEY_TRAITS = "velmora.app:key";
-inline constexpr std::string_view _RAW_SECTION = "velmora.app:raw";
+inline constexpr std::string_view _SECTION_TRAITS = "velmora.app:section";
 
 /// The details of a key with these traits, in place of those that it had.
 VELMORA_EXPORT config::FieldDetails with_traits(config::FieldDetails key, KeyTraits traits);
@@ -59,9 +72,17 @@ VELMORA_EXPORT config::FieldDetails required(config::FieldDetails key);
 /// default of `key` is null, or the value that it has when nothing is said.
 VELMORA_EXPORT config::FieldDetails optional(config::FieldDetails key);
 
+/// What may be said of a section that the application reads itself.
+struct RawOptions {
+    /// What must restart for a change to it to apply.
+    config::detail::Required<config::Restart> restart;
+    /// As `SectionTraits`.
+    bool secret = false;
+};
+
 /// A section that the application reads itself. Nothing in it is checked or reported, and the
 /// strongest source that gives it gives all of it.
 VELMORA_EXPORT config::FieldDecl raw(const std::string& name, config::detail::Doc doc,
-                                     config::SectionOptions options);
+                                     RawOptions options);
 
 }  // namespace velmora::app

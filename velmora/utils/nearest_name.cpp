@@ -33,7 +33,7 @@ std::size_t edit_distance(std::string_view a, std::string_view b) {
 
 }  // namespace
 
-std::string did_you_mean(std::string_view name, const std::vector<std::string_view>& known) {
+std::string_view nearest_name(std::string_view name, const std::vector<std::string_view>& known) {
     const std::size_t most = std::max<std::size_t>(1, name.size() / 3);
     std::size_t least = most + 1;
     std::string_view nearest;
@@ -45,8 +45,12 @@ std::string did_you_mean(std::string_view name, const std::vector<std::string_vi
         least = distance;
         nearest = each;
     }
-    if (least > most) return "";
-    return "; did you mean " + quoted_text(nearest) + "?";
+    return nearest;
+}
+
+std::string did_you_mean(std::string_view name, const std::vector<std::string_view>& known) {
+    const std::string_view nearest = nearest_name(name, known);
+    return nearest.empty() ? "" : "; did you mean " + quoted_text(nearest) + "?";
 }
 
 }  // namespace velmora::utils

@@ -9,8 +9,12 @@
 
 namespace velmora::utils {
 
-/// "; did you mean 'port'?" for the known name that `name` is nearest to (optimal string
-/// alignment, in bytes), nothing when none is near enough for it to be a slip of the finger.
+/// The known name that `name` is nearest to (optimal string alignment, in bytes), empty when none is
+/// near enough for it to be a slip of the finger. A view of what `known` views.
+VELMORA_EXPORT std::string_view nearest_name(std::string_view name,
+                                             const std::vector<std::string_view>& known);
+
+/// "; did you mean 'port'?" for the nearest name, nothing when there is none.
 VELMORA_EXPORT std::string did_you_mean(std::string_view name,
                                         const std::vector<std::string_view>& known);
 

@@ -1,6 +1,4 @@
 // Reading the values in effect, while other threads do the same and one reloads.
-#include "velmora/app/live.hpp"
-
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -9,28 +7,13 @@
 #include <vector>
 
 #include "contender.hpp"
+#include "live_config.hpp"
 
 namespace bench {
 
 namespace app = velmora::app;
 
 namespace {
-
-struct Server {
-    int port = 8080;
-};
-struct Config {
-    Server server;
-};
-
-const app::Schema<Config>& schema() {
-    static const app::Schema<Config> schema{
-        app::section(&Config::server, "server", "Server.",
-                     {.restart = velmora::config::Restart::none},
-                     {app::key(&Server::port, "port", "Port.")}),
-    };
-    return schema;
-}
 
 constexpr int given_port = 80;
 constexpr int other_readers = 7;

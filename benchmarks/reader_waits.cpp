@@ -15,29 +15,15 @@
 #include <sched.h>
 #include <sys/resource.h>
 
-#include "velmora/app/live.hpp"
+#include "live_config.hpp"
 
 namespace {
 
 namespace app = velmora::app;
+using bench::Config;
+using bench::schema;
 using Clock = std::chrono::steady_clock;
 using Milliseconds = std::chrono::duration<double, std::milli>;
-
-struct Server {
-    int port = 8080;
-};
-struct Config {
-    Server server;
-};
-
-const app::Schema<Config>& schema() {
-    static const app::Schema<Config> schema{
-        app::section(&Config::server, "server", "Server.",
-                     {.restart = velmora::config::Restart::none},
-                     {app::key(&Server::port, "port", "Port.")}),
-    };
-    return schema;
-}
 
 struct Reader {
     explicit Reader(bool idle) : is_idle(idle) {}

@@ -64,7 +64,7 @@ public:
                 const bool old = &name != &all_names[i].front();
                 if (users[name] > 1) add_ambiguous(intake, keys[i], name);
                 if (const std::string* const text = find(name))
-                    take(turn, "$" + name, *text, old, {.may_be_quoted = false});
+                    take(turn, "$" + name, *text, old, {.doubt_quotes = true});
                 if (!keys[i].traits().secret) continue;
                 const std::string file = name + "_FILE";
                 if (users[file] > 1) add_ambiguous(intake, keys[i], file);

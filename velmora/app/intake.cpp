@@ -94,7 +94,7 @@ void Intake::take_text(std::size_t key, const std::string& text, const SourceNam
     places_[key] = {};
     const bool quoted = text.size() > 1 && text.front() == text.back() &&
                         (text.front() == '"' || text.front() == '\'');
-    if (quoted && !options.may_be_quoted)
+    if (quoted && options.doubt_quotes)
         add_advice(FaultKind::doubtful_text, judged.label(), *source,
                    judged.label() + " from " + utils::one_line(*source) +
                        ": the quotes around it are part of the value");

@@ -51,7 +51,7 @@ public:
     struct TextOptions {
         std::string note = {};  ///< Goes with its fault.
         Privacy privacy = Privacy::open;
-        bool may_be_quoted = true;  ///< Whether quotes around it are worth no word.
+        bool doubt_quotes = false;  ///< Whether quotes around it are worth advice.
     };
     /// A text for the key at a position.
     void take_text(std::size_t key, const std::string& text, const SourceName& source,

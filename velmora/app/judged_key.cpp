@@ -222,7 +222,8 @@ ConfigValue JudgedKey::taken(const GivenRaw& raw) const {
         case KeyKind::list:
             return taken_list(raw);
         case KeyKind::str:
-            return coerced(*key_, false, raw.spelling.empty() ? raw.value : raw.spelling);
+            return raw.spelling.empty() ? coerced(*key_, false, raw.value)
+                                        : coerced(*key_, false, raw.spelling);
         case KeyKind::int_:
             // What only counts whole units has no use for a part of one.
             if (const auto* real = raw.value.get_if<double>();

@@ -61,7 +61,7 @@ private:
                                "it is secret, and this can be seen by everyone: give it in a file, "
                                "a variable or a credential");
         } else {
-            intake.take_text(pair.key, pair.text, name_, {.may_be_quoted = false});
+            intake.take_text(pair.key, pair.text, name_, {.doubt_quotes = true});
         }
     }
 

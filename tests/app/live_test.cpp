@@ -42,8 +42,8 @@ const app::Schema<Config>& schema() {
                              app::key(&Part::worker, "worker", "Worker.", {.restart = Restart::worker}),
                              app::key(&Part::daemon, "daemon", "Daemon."),
                              app::key(&Part::nones, "nones", "As many.", {.restart = Restart::none}),
-                             app::key(&Part::limit, "limit", "Limit.", {.secret = true}),
                              app::required(&Part::token, "token", "Token.", {.secret = true}),
+                             app::key(&Part::limit, "limit", "Limit.", {.secret = true}),
                          }),
             app::raw(&Config::r, "r", "Read as a whole.", {.restart = Restart::worker}),
         }
@@ -101,14 +101,15 @@ protected:
         put("a", "s: {none: 1, daemon: 5}\nr: [1]");
         put("d", nullptr);
         put("d/1.yaml", "s: {worker: 1}");
-        put("b", "x-b: 1");
+        put("ab", "x-b: 1");
         put("c", nullptr);
         put("c/s.token", "t0ken");
         put("c/s.nones", "x");
         put("t", "2");
         live_.emplace(schema(),
-                      std::vector{variables({}), app::file(folder.path("a"), {.optional = true}),
-                                  app::file(folder.path("b"), {.optional = true}), app::directory(folder.path("d")),
+                      std::vector{app::text("r:", folder.path("a")), variables({}),
+                                  app::file(folder.path("a"), {.optional = true}),
+                                  app::file(folder.path("ab"), {.optional = true}), app::directory(folder.path("d")),
                                   app::credentials({.directory = folder.path("c")})},
                       app::LoadOptions{.report = [this](const app::Fault& each) { printed += "\n" + one_line(each); }});
     }
@@ -162,13 +163,17 @@ TEST_F(Running, ReloadsPutIntoEffectWhatTheyMay) {
         {"a", daemon_0, {daemon}, at_daemon + "s.daemon is 0 from a:1:22, s.none is 1 from a:1:11)"},
 
         {"a", nullptr, {daemon}, "\nerror: a: is gone (to do without its values, restart)"},
-        {"b", nullptr, {daemon}, "\nerror: b: is gone (*"},
-        {"b", "#", {daemon}, "\nerror: b: has nothing in it any more (*"},
+        {"ab", nullptr, {daemon}, "\nerror: ab: is gone (*"},
+        {"ab", "#", {daemon}, "\nerror: ab: has nothing in it any more (*"},
         {"a", "s: ~\nr: [1]", {daemon}, "\nerror: a: its section s is empty, which it was not before (*"},
         {"a", "r: [1]\ns: {}", {daemon}, "\nerror: a: its section s *"},
         {"a", "# webd\ns:", {daemon}, "\nerror: a: its section s *"},
         {"a", "s: {none: 1}\nr: ~", {daemon}, "\nerror: a: its section r *"},
-        {"a", "s:\nr:", {daemon}, "\nerror: a: its section s *"},
+        {"a",
+         "s:\nr:",
+         {daemon},
+         "\nerror: a: its section s is empty, which it was not before (to do without its values, restart)\nerror: a: "
+         "its section r *"},
         {"a", "s: {none: 1, daemon: 5}\nr: {}", {daemon}, "115{} worker r:[1]>{} | none"},
         {"a", "r: [1]", {none}, "015[1] none s.none:1>0 | daemon s.daemon:5>9"},
         {"a", "s: {none: 1, daemon: 5}", {daemon}, "115None worker r:[1]>None | none"},
@@ -215,6 +220,7 @@ TEST_F(Running, ReloadsPutIntoEffectWhatTheyMay) {
         const std::string came = reload(options);
         if (all.back() == '*') {
             EXPECT_EQ(came.substr(0, all.size() - 1), all.substr(0, all.size() - 1));
+            EXPECT_EQ(came.find('\n', all.size()), std::string::npos) << came;
         } else {
             EXPECT_EQ(came, all);
         }
@@ -253,6 +259,11 @@ TEST_F(Running, KeepsWhatIsPendingUntilItHolds) {
     EXPECT_EQ(text_of(explain(live().now().values(), "s.none")).find("pending"), std::string::npos);
     put("d/2\x1b.yaml", "#");
     EXPECT_THAT(reload(), testing::HasSubstr("d/2\\x1b.yaml: has nothing"));
+    reload({.despite_missing_files = true});
+    EXPECT_EQ(reload(), "015[1] none | none");
+    std::filesystem::rename(folder.path("d"), folder.path("e"));
+    EXPECT_THAT(reload(), testing::HasSubstr("d: is gone"));
+    std::filesystem::rename(folder.path("e"), folder.path("d"));
     // A drop-in less is a change, as long as there is another file.
     put("d/2\x1b.yaml", nullptr);
     EXPECT_EQ(reload(), "015[1] none | none");
@@ -267,13 +278,22 @@ TEST_F(Running, KnowsTheFilesOfKeysByTheKeys) {
     put("c/s.old", "1");
     EXPECT_THAT(reload(), testing::StartsWith("115[1] none | none\nadvice: "));
     put("c/s.old", nullptr);
+    put("c/s.none", "");
+    EXPECT_THAT(reload(), testing::StartsWith("115[1]\nerror: c/s.none: has nothing"));
+    put("c/s.old", "");
     put("c/s.none", "1");
     EXPECT_EQ(reload(), "115[1] none | none");
     put("c/s.nones", nullptr);
     put("c/s.none", "/");
     EXPECT_THAT(reload(), testing::MatchesRegex("115.1.\nerror: c/s.none: cannot be read: [^\n]*\nerror: c/s.nones: is "
                                                 "gone [^\n]*"));
-    put("c/s.none", nullptr);
+    put("c/s.none", "1");
+    put("a", "/");
+    put("ab", nullptr);
+    std::filesystem::remove(folder.path("d/1.yaml"));
+    std::filesystem::create_symlink("nowhere", folder.path("d/1.yaml"));
+    EXPECT_THAT(reload(), testing::MatchesRegex("115.1.\nerror: a: [^\n]*\nerror: d/1.yaml: [^\n]*\nerror: ab: is "
+                                                "gone [^\n]*\nerror: c/s.nones: is gone [^\n]*"));
     app::Live<Config> counting(schema(),
                                {app::credentials({.directory = folder.path("c")}), variables({.empty_counts = true})});
     put("t", "");

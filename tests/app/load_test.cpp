@@ -136,6 +136,7 @@ TEST(Layers, ComeFromFilesAndFolders) {
     folder.write("c/server.name", " two lines\n\r\n");
     folder.write("c/log.level", "\n");
     folder.write("c/tls.key", "?");
+    fs::create_symlink("nowhere", folder.path("c/server.port"));
     folder.write("e/1\x1b.yaml/file", "");
     fs::create_symlink("nowhere", folder.path("e/2.yaml"));
     folder.write("e/3.yaml", "servr: 1");
@@ -201,7 +202,7 @@ TEST(Layers, ComeFromFilesAndFolders) {
          "error: d/10.yaml: cannot be read: it has more than 25 bytes"},
         {{file("", {.optional = true}), directory("")},
          "error: '': cannot be read: its path is empty\nerror: '': cannot be read: its path is empty"},
-        {{directory(folder.path("n"))},
+        {{directory(folder.path("n/"))},
          "advice: n/2.yml is not read: names must end in \".yaml\"\n"
          "advice: n/3.YaML is not read: names must end in \".yaml\"Server(port=8080, limit=None, name='web'"},
         {{credentials({.directory = folder.path("m")})},
@@ -227,8 +228,10 @@ TEST(Layers, ComeFromFilesAndFolders) {
         return FieldDecl(name, int_type, required(with_traits(setting(nullptr, "Doc."), {.secret = true})));
     };
     const RecordType server("Server", {port("port"), port("limit")});
+    const RecordType log("Log", {{"level", str_type, setting("", "Doc.")}});
     const Declaration needs(
-        RecordType("Config", {{"server", server, section(server, "Doc.", {.restart = Restart::none})}}));
+        RecordType("Config", {{"server", server, section(server, "Doc.", {.restart = Restart::none})},
+                              {"log", log, section(log, "Doc.", {.restart = Restart::none})}}));
     const auto variable = [](const std::string& path) {
         return environment({.prefix = "W_", .variables = {{{"W_SERVER_LIMIT_FILE", path}}}});
     };

@@ -179,7 +179,9 @@ std::string Intake::where_empty(std::size_t key) const {
                           (giver.state == Giver::State::empty ? " is empty" : " is missing"));
         } else if (giver.kind == Kind::section) {
             if (declaration().section_name(giver.part) == section)
-                all.push_back("the " + section + " section of " + source + " is empty");
+                all.push_back(
+                    std::string("the ").append(section).append(" section of ").append(source) +
+                    " is empty");
         } else if (giver.kind != Kind::folder && giver.part == key) {
             all.push_back((giver.kind == Kind::variable ? "the file of " : "") + source +
                           " is empty");

@@ -68,7 +68,7 @@ void Worker::run(const Descriptor& life) {
             const bool is_due = now >= each->deadline || (ending_ && each->idle);
             each = stays && !is_due ? std::next(each) : connections_.erase(each);
         }
-        if (!ending_ && polled[1].revents != 0) accept_connections(now);
+        if (polled[1].revents != 0) accept_connections(now);
     }
 }
 

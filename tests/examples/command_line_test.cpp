@@ -29,6 +29,7 @@ TEST_F(CommandLine, TellsWhatItTakes) {
                                                  {"check --set log.level=info --set log.utc=0", 0},
                                                  {"check --set tls.enabled=1", 1},
                                                  {"check --set server.tags=\"$(printf 'a\\rb')\"", 1},
+                                                 {"check --set server.tags=\"$(printf 'a\\177')\"", 1},
                                                  {"check --set cache.max_bytes=9", 1},
                                                  {"explain log.utc log.utx", 2},
                                                  {"run --set tls.enabled=1", 1},

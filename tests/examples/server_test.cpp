@@ -24,9 +24,9 @@ TEST(TakeRequest, SaysWhatIsUnderstood) {
     const std::pair<std::string, std::string> cases[] = {
         {"", ""},
         {"GET / HTTP/1.1" + host, ""},
-        {"\r\n\r\nGET /a?b HTTP/1.1" + host + "\r\nGET", "200 GET /a?b|GET"},
+        {"\r\n\r\nGET /!a?b~ HTTP/1.1" + host + "\r\nGET", "200 GET /!a?b~|GET"},
         {"HEAD / HTTP/1.1\r\nHOST:\r\nx: close" + end, "200 HEAD / no body|"},
-        {"GET / HTTP/1.1\r\nconnection: te ,\tClose" + host + "\r\n", "200 GET / close|"},
+        {"GET / HTTP/1.1\r\nconnection: te ,\tClose\r\nConnection: x" + host + "\r\n", "200 GET / close|"},
         {"GET / HTTP/1.1\r\nConnection: closed\r\nContent-Length: 0" + host + "\r\n", "200 GET /|"},
         {"GET / HTTP/1.0" + end, "200 GET / close|"},
         {"GET / HTTP/1.1\r\nContent-Length: 3" + host + "\r\nabc", "200 GET / close|abc"},
@@ -45,7 +45,7 @@ TEST(TakeRequest, SaysWhatIsUnderstood) {
         {most + "x", ""},
         {most + "\r\n", "200 GET " + most.substr(4, most.find(" HTTP") - 4) + "|"},
         {most + "xx\r\n\r\n", "431 - - close|" + most + "xx\r\n\r\n"},
-        {most + "xxxx", "431 - - close|" + most + "xxxx"},
+        {most + "xx", "431 - - close|" + most + "xx"},
     };
     for (const auto& [came, taken] : cases) {
         std::string in = came, out;
@@ -76,6 +76,10 @@ TEST(ResponseCache, LetsGoOfWhatThePolicySays) {
         // What is stale leaves all of its room.
         cache.keep("a", response(29), settings, now);
         EXPECT_EQ(cache.find("a", settings, now)->size(), 29U);
+        // As many go as must.
+        for (const char* path : {"b", "c"}) cache.keep(path, response(9), settings, now);
+        cache.keep("d", response(20), settings, now);
+        EXPECT_TRUE(cache.find("d", settings, now) != nullptr && cache.find("c", settings, now) == nullptr);
     }
 }
 
@@ -123,23 +127,25 @@ TEST_F(Serve, AnswersUntilASignalComes) {
     const std::string ok = "HTTP/1.1 200 OK|", close = "Connection: close|", tags = "X-Tag: a|X-Tag: b|";
     const std::string log = "sed s/^[^+]*/X-/ log | grep -v listening", to_log = "--set log.file=log";
     const std::string unavailable = "HTTP/1.1 503 Service Unavailable|";
+    const std::string not_allowed = "HTTP/1.1 405 Method Not Allowed|Allow: GET, HEAD|";
     const std::tuple<std::string, std::string, std::string> cases[] = {
         {"--set server.tags=a,b", "get /x; get /x?y; get /health; last /health",
          ok + tags + "Response 1 /x|" + ok + tags + "Response 1 /x|" + ok + tags + "Response 2 /health|" + ok + tags +
              close + "Response 3 /health|0"},
         {"--set cache.enabled=0", "get /; last /", ok + "Response 1 /|" + ok + close + "Response 2 /|0"},
-        {"--set server.maintenance=1", "last /", unavailable + close + "0"},
+        {"--set server.maintenance=1", "get /; get / POST; cat <&3", unavailable + not_allowed + close + "0"},
         {"--set server.keep_alive=0", "get /; cat <&3", ok + close + "Response 1 /|0"},
         // One that idles ends before another that is not done with its request.
-        {"--set server.keep_alive=0.1", "half /a; get /; cat <&3; rest", ok + "Response 1 /|" + ok + "Response 2 /a|0"},
+        {"--set server.keep_alive=0.1", "kill -STOP $pid; get /; half /a; kill -CONT $pid; get /b; cat <&3; rest",
+         ok + "Response 2 /b|" + ok + "Response 1 /|" + ok + "Response 3 /a|0"},
         {"", "kill -STOP $pid; get /; get /; exec 3>&-; kill -CONT $pid; connect; last /a",
          ok + close + "Response 2 /a|0"},
-        {"", "get / POST; cat <&3", "HTTP/1.1 405 Method Not Allowed|Allow: GET, HEAD|" + close + "0"},
-        {"", "last / HEAD", ok + close + "0"},
+        {"", "get / HEAD; last / HEAD", ok + ok + close + "0"},
+        {"", "get /$(printf %09000d); cat <&3", "HTTP/1.1 431 Request Header Fields Too Large|" + close + "0"},
         {"", "echo >&3; get /; cat <&3", "HTTP/1.1 400 Bad Request|" + close + "0"},
-        {to_log + " --set log.utc=0 --set log.sample_rate=0.5", "get /a; get /b; get /c; last /d; " + log,
+        {to_log + " --set log.utc=0 --set log.sample_rate=0.75", "get /a; get /b; get /c; last /d; " + log,
          ok + "Response 1 /a|" + ok + "Response 2 /b|" + ok + "Response 3 /c|" + ok + close +
-             "Response 4 /d|X-+0200 info 200 GET /b|X-+0200 info 200 GET /d|0"},
+             "Response 4 /d|X-+0200 info 200 GET /b|X-+0200 info 200 GET /c|X-+0200 info 200 GET /d|0"},
         {"--set log.file=l --set log.level=warning", "get /a; last / POST >o; sed s/^[^+]*/X-/ l",
          "X-+0000 warning 405 POST /|0"},
         {"", "$webd run --set server.port=$port; echo X-$?", "X-1|0"},
@@ -152,8 +158,10 @@ TEST_F(Serve, AnswersUntilASignalComes) {
              "Response 4 /|" + unavailable + close + "0"},
         {to_log, "ask /; hup 'server: {tags: [a, b]}'; cat <&3; connect; last /",
          ok + "Response 1 /|" + ok + tags + close + "Response 1 /|0"},
-        {to_log, "half /a; exec 5<&3; connect; ask /; hup 'server: {tags: [a, b]}'; rest; exec 3<&5; last /b",
-         ok + "Response 1 /|" + ok + tags + close + "Response 2 /a|" + ok + tags + close + "Response 3 /b|0"},
+        {to_log,
+         "ask /; half /a; exec 5<&3; connect; ask /; hup 'server: {tags: [a, b]}'; cat <&3; rest; exec 3<&5; last /b",
+         ok + "Response 1 /|" + ok + "Response 1 /|" + ok + tags + close + "Response 2 /a|" + ok + tags + close +
+             "Response 3 /b|0"},
         {to_log, "ask /a; kill -HUP $pid; await loaded log; last /b; " + log,
          ok + "Response 1 /a|" + ok + close + "Response 2 /b|" +
              "X-+0000 info 200 GET /a|X-+0000 info reloaded: Nothing changes.|X-+0000 info 200 GET /b|0"},

@@ -26,7 +26,7 @@ TEST_F(CommandLine, TellsWhatItTakes) {
                                                  {"show >/dev/full", 1},
                                                  {"show --file f.yaml", 1},
                                                  {"show --set log.level=loud", 1},
-                                                 {"check --set log.level=info --set log.utc=0", 0},
+                                                 {"explain --set log.level=info log.utc", 0},
                                                  {"check --set tls.enabled=1", 1},
                                                  {"check --set server.tags=\"$(printf 'a\\rb')\"", 1},
                                                  {"check --set server.tags=\"$(printf 'a\\177')\"", 1},
@@ -132,9 +132,12 @@ TEST_F(Set, ChangesTheValuesAloneOrNothing) {
          l + "  x: \"a\n   # b\"\n  utc: false\n  # c\ntls:\n  x: !!str |\n   a\n   # b\n  enabled: true\n\n"},
         {"log:\r\n  x: >+\r\n   a\r\n\r\n  # c\r\n", set_off,
          "log:\r\n  x: >+\r\n   a\r\n\r\n  utc: false\r\n  # c\r\n"},
-        {on, "lgo.a=1 log.utc=0 log.utx=2 log.utc=1 log.level=loud log.utc utc=0",
-         "there is no section 'lgo'; did you mean 'log'?\n"
-         "there is no key 'log.utx'; did you mean 'log.utc'?\nlog.utc is given twice\n"
+        {on, "lgo.a=1 log.file=a log.utc=0 log.utx=2 log.utc=1 log.level=loud log.utc utc=0",
+         "there is no section 'lgo'; did you mean 'log'?
+"
+         "there is no key 'log.utx'; did you mean 'log.utc'?
+log.utc is given twice
+"
          "Invalid value for log.level: 'loud'. Must be one of: debug, error, info, warning\n"
          "write 'log.utc' as SECTION.KEY=VALUE\n"
          "there is no key 'utc'; did you mean 'log.utc'?\n"},

@@ -113,7 +113,7 @@ protected:
             rest() { printf "HTTP/1.1\r\nHost: a\r\n\r\n" >&4; cat <&4; }
             await() { until grep -s "$1" $2 || ! kill -0 $pid; do sleep 0.01; done; }
             hup() { mv log old; echo "$1" >f.yaml; kill -HUP $pid; await loaded log; }
-            cd $(mktemp -d ./XXX) && : >f.yaml
+            umask 0; cd $(mktemp -d ./XXX) && : >f.yaml
             $webd run --file f.yaml --set server.port=$port --set server.workers=1 $options & pid=$!
             until (connect) 2>/dev/null || ! kill -0 $pid; do sleep 0.01; done
             (connect; eval "$script") | tr -d "\r" |
@@ -149,7 +149,10 @@ TEST_F(Serve, AnswersUntilASignalComes) {
         {"--set log.file=l --set log.level=warning", "get /a; last / POST >o; sed s/^[^+]*/X-/ l",
          "X-+0000 warning 405 POST /|0"},
         {"", "$webd run --set server.port=$port; echo X-$?", "X-1|0"},
-        {to_log + " --set server.workers=3", "await listening log; echo X-$(ls /proc/$pid/task | wc -l)", "X-4|0"},
+        {to_log + " --set server.workers=3 --set log.level=debug",
+         "await listening log; echo X-$(ls /proc/$pid/task | wc -l); ask /; stat -c X-%a log; grep -o debug log | sed "
+         "'s/^/X-/;q'",
+         "X-4|" + ok + "Response 1 /|X-640|X-debug|0"},
         // What it reloads: at once for the next request, with the workers, after a restart or not at all.
         {to_log,
          "ask /; hup 'cache: {bypass: [/]}'; ask /; hup 'x-: {}'; ask /; ask /; hup 'cache: {ttl: 1e-9}'; ask /; "

@@ -84,6 +84,8 @@ TEST(Load, ReadsScalarsInEveryStyle) {
          R"({'a': [' b\n\tc\n', ' d', ' e']})"},
         {"--- # c\n&a !!str |\n#a\n%b: [", R"('#a\n%b: [')"},
         {"- |+\n   ", R"(['\n'])"},
+        {"--- >-\n#a\n[", "'#a ['"},
+        {"[&a'b 1, *a'b ]", "[1, 1]"},
     });
 }
 
@@ -154,7 +156,7 @@ TEST(Load, SaysWhereAndWhatIsWrong) {
         {"a tab cannot indent", {{"-\t- a", "1:3"}, {"- \ta: b", "1:4"}, {"a: |\n\t\nb:", "2:1"}}},
         {"a line that begins with '%'", {{"%abc\n...\n---", "1:1"}, {"# c\n%x\n%y\na: 2", "2:1"}}},
         {"a text cannot begin with ", {{"a: %b", "1:4"}, {"- @b", "1:3"}, {"- `b", "1:3"}, {"[-, a]", "1:2"}}},
-        {"", {{"[|b]", "1:2"}, {"[>b]", "1:2"}}},
+        {"", {{"[|b]", "1:2"}, {"[>b]", "1:2"}, {"a: ? b", "1:4"}, {"a:\n\tb: 1", "2:3"}, {"- a\n\t- b", "2:2"}}},
         {"only a digit", {{"a: |b", "1:5"}, {"a: |0", "1:6"}, {"a: |#c", "1:5"}, {"a: |12", "1:6"}, {"|+-", "1:3"}}},
         {"a blank line above has more spaces than the text", {{"a: |\n   \n  b", "3:3"}}},
         {"a digit behind '|' or '>' needs a key or a '-' before it", {{"|1\n a", "1:1"}}},

@@ -18,23 +18,17 @@ namespace {
 TEST_F(CommandLine, TellsWhatItTakes) {
     EXPECT_EQ(run("$webd template").out, content_of(GOLDEN_TEMPLATE));
     EXPECT_THAT(run("$webd --help").out, HasSubstr("template"));
-    const std::pair<std::string, int> cases[] = {{"--help", 0},
-                                                 {"", 2},
-                                                 {"set log.utc=0", 2},
-                                                 {"set --file f.yaml", 2},
-                                                 {"--help >/dev/full", 1},
-                                                 {"show >/dev/full", 1},
-                                                 {"show --file f.yaml", 1},
-                                                 {"show --set log.level=loud", 1},
-                                                 {"explain --set log.level=info log.utc", 0},
-                                                 {"check --set tls.enabled=1", 1},
-                                                 {"check --set server.tags=\"$(printf 'a\\rb')\"", 1},
-                                                 {"check --set server.tags=\"$(printf 'a\\177')\"", 1},
-                                                 {"check --set cache.max_bytes=9", 1},
-                                                 {"explain log.utc log.utx", 2},
-                                                 {"run --set tls.enabled=1", 1},
-                                                 {"run --set log.file=no/file", 1}};
-    for (const auto& [arguments, status] : cases) EXPECT_EQ(run("$webd " + arguments).status, status) << arguments;
+    const std::pair<int, std::vector<std::string>> cases[] = {
+        {0, {"--help", "check --set log.level=info --set log.utc=0", "explain --set log.level=info log.utc"}},
+        {1,
+         {"--help >/dev/full", "show >/dev/full", "show --file f.yaml", "show --set log.level=loud",
+          "check --set tls.enabled=1", "check --set server.tags=\"$(printf 'a\\rb')\"",
+          "check --set server.tags=\"$(printf 'a\\177')\"", "check --set cache.max_bytes=9", "run --set tls.enabled=1",
+          "run --set log.file=no/file"}},
+        {2, {"", "set log.utc=0", "set --file f.yaml", "explain log.utc log.utx"}}};
+    for (const auto& [status, all] : cases) {
+        for (const std::string& arguments : all) EXPECT_EQ(run("$webd " + arguments).status, status) << arguments;
+    }
 }
 
 TEST_F(CommandLine, ShowsValuesAndPointsAtWhatItIgnores) {

@@ -127,11 +127,8 @@ TEST_F(Set, ChangesTheValuesAloneOrNothing) {
         {"log:\r\n  x: >+\r\n   a\r\n\r\n  # c\r\n", set_off,
          "log:\r\n  x: >+\r\n   a\r\n\r\n  utc: false\r\n  # c\r\n"},
         {on, "lgo.a=1 log.file=a log.utc=0 log.utx=2 log.utc=1 log.level=loud log.utc utc=0",
-         "there is no section 'lgo'; did you mean 'log'?
-"
-         "there is no key 'log.utx'; did you mean 'log.utc'?
-log.utc is given twice
-"
+         "there is no section 'lgo'; did you mean 'log'?\n"
+         "there is no key 'log.utx'; did you mean 'log.utc'?\nlog.utc is given twice\n"
          "Invalid value for log.level: 'loud'. Must be one of: debug, error, info, warning\n"
          "write 'log.utc' as SECTION.KEY=VALUE\n"
          "there is no key 'utc'; did you mean 'log.utc'?\n"},

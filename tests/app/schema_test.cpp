@@ -133,6 +133,10 @@ TEST(Schema, MakesKeysOfMembers) {
               "some list [1] Some. a list of ints, at most 8\n"
               "end int None End, in seconds. an int\n"
               "token str None Token. a str\n");
+    const auto key = [](const char* label) { return schema().declaration().key(label); };
+    EXPECT_TRUE(key("all.bytes").bounds() && key("all.token").is_required() && key("all.end").is_optional());
+    EXPECT_EQ(key("all.levels").choices(), (std::vector<std::string>{"debug", "info"}));
+    EXPECT_EQ(schema().declaration().section("all").restart(), Restart::worker);
 }
 
 TEST(Schema, AcceptsWhatMembersHoldAndNothingElse) {
@@ -149,33 +153,19 @@ TEST(Schema, AcceptsWhatMembersHoldAndNothingElse) {
         {"rate=3e38",
          "Ignoring all.rate from the command line: Invalid value for all.rate: 3e+38. It must be at least -3.40282e+38 "
          "and at most 1e+30 = all.rate takes a float, at least -3.4028235e+38 and at most 1e+30\n"},
-        {"level=loud",
-         "Ignoring all.level from the command line: Invalid value for all.level: 'loud'. Must be one of: debug, "
-         "info\n"},
-        {"wait=-1",
-         "Ignoring all.wait from the command line: Invalid value for all.wait: -1.0. It must be at least 0 = all.wait "
-         "counts seconds\n"},
         {"bytes=1,201",
          "Ignoring all.bytes from the command line: Invalid value for all.bytes item 2: 201. It must be at least 0 and "
          "at most 200 = all.bytes counts bytes\n"},
-        {"bytes=x",
-         "Ignoring all.bytes from the command line: Cannot set all.bytes item 1='x': expected int (expected a decimal "
-         "integer, got 'x') = all.bytes counts bytes\n"},
-        {"levels=info,x",
-         "Ignoring all.levels from the command line: Invalid value for all.levels item 2: 'x'. Must be one of: debug, "
-         "info\n"},
-        {"rates=1e39",
-         "Ignoring all.rates from the command line: Invalid value for all.rates item 1: 1e+39. It must be above 0 and "
-         "at most 3.40282e+38 = all.rates takes a list of floats, above 0 and at most 3.4028235e+38\n"},
         {"rates=1e-50",
          "Ignoring all.rates from the command line: Invalid value for all.rates item 1: 0.0. It must be above 0 and at "
          "most 3.40282e+38 = all.rates takes a list of floats, above 0 and at most 3.4028235e+38\n"},
         {"some=0x1",
          "Ignoring all.some from the command line: Cannot set all.some item 1='0x1': expected int (expected a decimal "
          "integer, got '0x1') = all.some takes a list of ints, at least -2147483648 and at most 8\n"},
-        {"limit=",
-         "Ignoring all.limit from the command line: Cannot set all.limit='': expected int (expected a decimal integer, "
-         "got '') = all.limit takes an int, above 0 and at most 2147483647\n"},
+        {"end=",
+         "Ignoring all.end from the command line: Cannot set all.end='': expected int (expected a decimal integer, "
+         "got '') = all.end takes an int, at least -9223372036854775808 and at most 9223372036854775807, and counts "
+         "seconds\n"},
         {"token=u",
          "Ignoring all.token from the command line: it is secret, and this can be seen by everyone: give it in a file, "
          "a variable or a credential\n"},
@@ -212,11 +202,12 @@ TEST(Schema, RefusesChecksThatAreNone) {
 }
 
 TEST(Schema, SplitsTextsOfAFileIntoItems) {
-    const auto now =
-        schema().load({app::text("all: {token: t, levels: 'debug, info', paths: 'a, b', bytes: '1, 2'}", "f")});
+    const auto now = schema().load(
+        {app::text("all: {token: t, levels: 'debug, info', paths: 'a, b', bytes: '1, 2', some: ~}", "f")});
     EXPECT_EQ(now->all.levels, (std::vector{Level::debug, Level::info}));
     EXPECT_EQ(now->all.paths, (std::vector<std::filesystem::path>{"a", "b"}));
     EXPECT_EQ(now->all.bytes, (std::vector<std::uint8_t>{1, 2}));
+    EXPECT_EQ(now->all.some, std::nullopt);
 }
 
 TEST(Schema, SaysWhatItTakesForSomethingElse) {
@@ -232,7 +223,6 @@ TEST(Schema, SaysWhatItTakesForSomethingElse) {
         {"flag", "0.0", "False", ""},
         {"tiny", "25.9", "25", "25.9 is taken as 25"},
         {"tiny", "1e1", "10", ""},
-        {"tiny", "'7'", "7", ""},
         {"real", "9007199254740993", "9007199254740992.0", "9007199254740993 is taken as 9007199254740992.0"},
         {"rate", "0.1234567891", "0.12345679", "0.1234567891 is taken as 0.12345679"},
         {"rate", "0.3", "0.3", ""},
@@ -241,21 +231,14 @@ TEST(Schema, SaysWhatItTakesForSomethingElse) {
         {"pause", "2.5", "", ""},
         {"pause", "-0.5", "", ""},
         {"path", "[p]", "", ""},
-        {"path", "{{ host }}", "", ""},
         {"path", "{}", "", ""},
-        {"path", "0640", "'0640'", ""},
-        {"level", "[debug]", "", ""},
         {"texts", "[a, [b]]", "", ""},
-        {"texts", "[a, {b: x}]", "", ""},
         {"paths", "[a, {b: 1}]", "", ""},
-        {"paths", "[a, []]", "", ""},
         {"bytes", "8", "[8]", ""},
         {"bytes", "0x8", "", ""},
-        {"bytes", "201", "", ""},
         {"bytes", "~", "", ""},
         {"paths", "1.20", "['1.20']", ""},
         {"paths", "no", "['no']", ""},
-        {"paths", "True", "['True']", ""},
         {"paths", "!!int 8", "", ""},
         {"paths", "{a: b}", "", ""},
         {"levels", "debug", "['debug']", ""},
@@ -301,7 +284,7 @@ TEST(Schema, TakesDefaultsFromTheConfiguration) {
                               {.report = [](const app::Fault&) {}});
     EXPECT_EQ(std::tuple(now->first.a, now->first.b, now->first.c, now->second.a, now->second.b, now->second.c),
               std::tuple(5, std::numeric_limits<float>::max(), 0.7F, 7, std::numeric_limits<float>::max(), 0.1F));
-    EXPECT_EQ(now.faults().size(), 2U);
+    EXPECT_EQ(now.faults().size() + app::Snapshot<Two>(now).faults().size(), 4U);
     EXPECT_EQ(app::Schema<Two>(two).declaration().load({})["first.a"], ConfigValue(5));
 }
 
@@ -406,6 +389,8 @@ TEST(Lint, FindsWhatIsWrongWithADeclaration) {
                               {"", str_type, setting("x", "Doc.")}})},
          "True: this is no name for a section in files and variables\nTrue.a.b: this is no name for a key in files and "
          "variables\nTrue.1: this is no name for a key in files and variables\nTrue.: this is no name"},
+        {{in_section("false", {{"Null", str_type, setting("x", "Doc.")}})},
+         "false: this is no name for a section in files and variables\nfalse.Null: this is no name"},
         {{in_section("x-s", {})}, "x-s: names that begin with x- are left to anchors"},
         {{{"s", other, section(RecordType("Kind", {}), "Doc.", {.restart = Restart::none})}},
          "s: its field is declared with another type than its section is made of"},

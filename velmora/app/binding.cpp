@@ -145,7 +145,7 @@ Declaration declare(std::vector<BoundSection> sections, std::shared_ptr<void> (*
         }
         return config;
     };
-    return {config_type, bind, std::move(mistakes)};
+    return {config_type, bind, mistakes};
 }
 
 const void* bound(const Values& values) noexcept {

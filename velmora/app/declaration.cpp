@@ -143,7 +143,7 @@ std::string Declaration::Data::hint_for_section(std::string_view name) const {
 std::string Declaration::Data::hint_for_key(std::size_t section, std::string_view name) const {
     if (const std::size_t key = find_key(name); key != none)
         return "; write " + keys_[key].key().name() + " under " + keys_[key].key().section();
-    const std::string near =
+    std::string near =
         utils::did_you_mean(name, utils::names_of(sections_[section].section->keys()));
     if (!near.empty()) return near;
     const std::vector<std::size_t> meant =
@@ -155,7 +155,7 @@ Declaration::Declaration(const config::RecordType& config_type)
     : Declaration(config_type, nullptr, {}) {}
 
 Declaration::Declaration(const config::RecordType& config_type, detail::Bind bind,
-                         std::vector<std::string> mistakes)
+                         const std::vector<std::string>& mistakes)
     : data_(checked(config_type, mistakes)),
       uses_(std::make_shared<const Uses>(Uses{std::move(bind)})) {}
 
@@ -181,6 +181,7 @@ std::vector<Key> Declaration::keys(std::string_view name) const {
     const std::vector<std::size_t> meant = data_->keys_meant(name);
     if (meant.empty()) throw config::ConfigKeyError(data_->no_key_text(name));
     std::vector<Key> keys;
+    keys.reserve(meant.size());
     for (const std::size_t each : meant)
         keys.push_back(Key(std::shared_ptr<const JudgedKey>(data_.share(), &data_->keys()[each])));
     return keys;

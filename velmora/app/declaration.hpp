@@ -84,7 +84,7 @@ private:
     struct Uses;
 
     Declaration(const config::RecordType& config_type, detail::Bind bind,
-                std::vector<std::string> mistakes);
+                const std::vector<std::string>& mistakes);
 
     utils::NotNull<Data> data_;
     utils::NotNull<Uses> uses_;

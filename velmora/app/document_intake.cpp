@@ -61,8 +61,8 @@ std::string shown_name(const ConfigValue& name) {
 // What a name that goes on with a sign was meant to be.
 std::string hint_for_sign(std::string_view name) {
     const std::string_view rest = name.substr(name_in(name).size());
-    if (rest.starts_with(':')) return "; there must be a space behind the \":\"";
-    return rest.starts_with('=') ? "; write \": \" in place of the \"=\"" : "";
+    if (rest.starts_with(':')) return R"(; there must be a space behind the ":")";
+    return rest.starts_with('=') ? R"(; write ": " in place of the "=")" : "";
 }
 
 // The line of this number, from 1, of a text that is no YAML; "\n", "\r\n" and "\r" end lines.

@@ -94,8 +94,10 @@ private:
         if (own) return {*own};
         if (prefix_.empty()) return {};
         std::vector<std::string> names = {prefix_ + as_variable(key.label())};
-        for (const std::string& old : key.traits().formerly)
-            names.push_back(prefix_ + as_variable(key.old_label(old)));
+        for (const std::string& old : key.traits().formerly) {
+            const std::string name = prefix_ + as_variable(key.old_label(old));
+            if (!utils::is_one_of(name, names)) names.push_back(name);
+        }
         return names;
     }
 

@@ -197,10 +197,20 @@ bool may_show_line(const Declaration::Data& declaration, std::string_view text,
     if (!trimmed_of_spaces(lines.substr(name.size())).starts_with(':') ||
         section == Declaration::Data::none || declaration.sections()[section].has_secrets)
         return false;
+    const auto has = [lines](const std::string& word) {
+        return lines.find(word) != std::string_view::npos;
+    };
+    const auto& sections = declaration.sections();
     const auto& keys = declaration.keys();
-    return std::none_of(keys.begin(), keys.end(), [lines](const JudgedKey& key) {
-        return key.traits().secret && lines.find(key.key().name()) != std::string_view::npos;
-    });
+    return std::none_of(sections.begin(), sections.end(),
+                        [&has](const DeclaredSection& each) {
+                            return each.has_secrets && has(each.section->name() + ":");
+                        }) &&
+           std::none_of(keys.begin(), keys.end(), [&has](const JudgedKey& key) {
+               const auto& formerly = key.traits().formerly;
+               return key.traits().secret &&
+                      (has(key.key().name()) || std::any_of(formerly.begin(), formerly.end(), has));
+           });
 }
 
 }  // namespace velmora::app

@@ -192,9 +192,10 @@ std::string JudgedKey::accepted_text(bool all_ends) const {
     std::vector<std::string> choices = counted().choices();
     std::sort(choices.begin(), choices.end());
     if (!choices.empty()) text += ", one of: " + utils::joined(choices);
-    const auto& said = traits_.items != nullptr ? traits_.items->said_bounds : traits_.said_bounds;
-    const auto& bounds = said && !all_ends ? said : counted().bounds();
-    const std::string range = bounds ? exact_text(*bounds) : "";
+    const auto* bounds = &counted().bounds();
+    const auto* said = traits_.items ? &traits_.items->said_bounds : &traits_.said_bounds;
+    if (*said && !all_ends) bounds = said;
+    const std::string range = *bounds ? exact_text(**bounds) : "";
     return text + (range.empty() ? "" : ", " + range);
 }
 

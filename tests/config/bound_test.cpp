@@ -43,8 +43,9 @@ TEST(Bound, AdmitsExactlyWhatItsTextSays) {
 TEST(Bound, ComparesExactlyWhateverItsEndsAre) {
     constexpr auto most = std::numeric_limits<std::int64_t>::max();
     const auto all = [](auto... numbers) { return std::vector<Number>{numbers...}; };
-    const auto numbers = all(-inf, -0x1p63, -most - 1, -0x1p53 - 2, -(1LL << 53) - 1, -1, -0.5, 0, -0.0, 1, 1.5, 0x1p53,
-                             (1LL << 53) + 1, most - 1, most, 0x1p63, Integer::truncated(1e20), 1e20, inf, nan);
+    const auto numbers =
+        all(-inf, -0x1p63, -most - 1, -0x1p53 - 2, -0x1p53, -(1LL << 53) - 1, -1, -0.5, 0, -0.0, 1, 1.5, 0x1p53,
+            (1LL << 53) + 1, most - 1, most, 0x1p63, Integer::truncated(1e20), 1e20, inf, nan);
     for (const Number& low : numbers) {
         for (const Number& high : numbers) {
             for (const Number& value : numbers) {

@@ -36,6 +36,8 @@ TEST(Metadata, HoldsDescriptorsOfAnyType) {
     const Metadata metadata{{"a", number(1)}, {"b", Descriptor(std::make_shared<char>('b'))}, {"a", number(2)}};
     EXPECT_EQ(*metadata["a"].get_if<int>(), 1);
     EXPECT_EQ(*metadata["b"].get_if<char>(), 'b');
+    const Metadata more = metadata.with("a", number(3)).with("b", number(4)).with("b", number(5));
+    EXPECT_EQ(*more["a"].get_if<int>() * 10 + *more["b"].get_if<int>(), 35);
     EXPECT_TRUE(metadata["c"].is_null() && metadata[""].is_null() && Metadata()[""].is_null());
 }
 

@@ -18,7 +18,7 @@ Key key_of(KeyKind kind, SettingOptions options = {}) {
 TEST(KeyCoerce, NamesTheKeyAndShowsTheValue) {
     const Key flag = key_of(KeyKind::bool_), count = key_of(KeyKind::int_, {.bounds = POSITIVE});
     const Key ratio = key_of(KeyKind::float_, {.bounds = PROBABILITY});
-    const Key level = key_of(KeyKind::str, {.choices = {"info", "debug", "7", "Zero", "info"}});
+    const Key level = key_of(KeyKind::str, {.choices = {"info", "debug", "7", "info", "Zero"}});
     const std::string nul("a\0b", 3), x(100, 'x'), choices = ". Must be one of: 7, Zero, debug, info, info";
     const std::string cannot = "ConfigKeyError: Cannot set s.k=", invalid = "ConfigKeyError: Invalid value for s.k: ";
     const std::string shown = _shown(huge), border = "2^1024 - 2^970 in magnitude";

@@ -60,7 +60,8 @@ TEST(ConfigValue, ReadsAsCppTypesWithoutConversion) {
 
 TEST(ConfigValue, IsEqualByValue) {
     const List values(missing, false, true, 0, 1, 0.5, "", "1", List(), List(1), List(1, 1), Mapping(), Mapping{{1, 1}},
-                      Mapping{{"1", 1}}, Mapping{{List{1}, 1}}, Mapping{{List{2}, 1}}, Mapping{{List{1}, 2}});
+                      Mapping{{"1", 1}}, Mapping{{List{1}, 1}}, Mapping{{List{2}, 1}}, Mapping{{List{1}, 2}},
+                      Mapping{{List{1}, 1}, {List{2}, 2}}, Mapping{{List{1}, 1}, {2, 2}});
     for (const ConfigValue& a : values) {
         for (const ConfigValue& b : values) EXPECT_EQ(a == b, &a == &b) << a << " against " << b;
     }

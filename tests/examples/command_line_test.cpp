@@ -18,6 +18,8 @@ namespace {
 TEST_F(CommandLine, TellsWhatItTakes) {
     EXPECT_EQ(run("$webd template").out, content_of(GOLDEN_TEMPLATE));
     EXPECT_THAT(run("$webd --help").out, HasSubstr("template"));
+    EXPECT_THAT(run("$webd show --set log.utc=x --set log.level=loud").err,
+                AllOf(HasSubstr("log.utc"), HasSubstr("log.level")));
     const std::pair<int, std::vector<std::string>> cases[] = {
         {0, {"--help", "check --set log.level=info --set log.utc=0", "explain --set log.level=info log.utc"}},
         {1,
@@ -97,33 +99,41 @@ TEST_F(Set, ChangesTheValuesAloneOrNothing) {
     // The file, the pairs, and what the file then is or why it stays as it is.
     const std::tuple<std::string, std::string, std::string> cases[] = {
         {"", "log.utc=0 tls.enabled=1 log.file=/a", off + "  file: /a\n" + tls},
+        {"", "server.tags=true,FALSE,yes,No,on,off,y,N,Null,az_09-AZ.,/,a:b,9",
+         "server:\n  tags: [\"true\", \"FALSE\", \"yes\", \"No\", \"on\", \"off\", \"y\", \"N\", \"Null\", az_09-AZ., "
+         "/, \"a:b\", \"9\"]\n"},
+        {"---", set_off, "---\nlog:\n  utc: false"},
         {"# a", set_off, "# a\nlog:\n  utc: false"},
         {"--- # a\n...", set_off, "--- # a\n" + off + "..."},
         {"log:", "log.file= log.utc=0", l + "  file: \"\"\n  utc: false"},
         {" log:\n  x: 1\n\n tls: ~ # a\n  # b\n y: 1", "log.utc=0 tls.enabled=1 server.port=1",
          " log:\n  x: 1\n  utc: false\n\n tls:  # a\n   enabled: true\n  # b\n y: 1\n server:\n   port: 1"},
-        {l + "  utc: # a\n    null # b\n", set_off, l + "  utc: # a\n    false # b\n"},
+        {l + "  utc: # a\n  # a\n    null # b\n", set_off, l + "  utc: # a\n  # a\n    false # b\n"},
         {on + "...x: ...\n# b\n... \n", "log.file=a=b tls.enabled=1",
          on + "  file: \"a=b\"\n...x: ...\n# b\n" + tls + "... \n"},
         {l + "    \"utc\" : \"8\\\"0\" # a\n\n    x: [1]\n\n# b\nx:\n", "log.utc=0 log.file=yes log.level=info",
          l + "    \"utc\" : false # a\n\n    x: [1]\n    file: \"yes\"\n    level: info\n\n# b\nx:\n"},
         {"\xef\xbb\xbflog:\r\n  utc:\r\n  x: 1\r\n\r\ntls: {}\r\n", "log.utc=0 log.file=~ tls.enabled=1",
          "\xef\xbb\xbflog:\r\n  utc: false\r\n  x: 1\r\n  file: \"~\"\r\n\r\ntls: {enabled: true}\r\n"},
-        {"{server: {tags: [a, 'b'] , x: 1}, tls: , cache: }", "log.utc=0 tls.enabled=1 cache.ttl=1e16 server.tags=x",
-         "{log: {utc: false}, server: {tags: [x] , x: 1}, tls: {enabled: true} , cache: {ttl: 1e+16} }"},
+        {"{server: {tags: [a, 'b'] , x: 1}, tls: , cache: ~}", "log.utc=0 tls.enabled=1 cache.ttl=1e16 server.tags=x",
+         "{log: {utc: false}, server: {tags: [x] , x: 1}, tls: {enabled: true} , cache: {ttl: 1e+16}}"},
         {"{ }", "log.utc=0 tls.enabled=1", "{log: {utc: false}, tls: {enabled: true} }"},
         {"{\n\t\"log\": {\"utc\": null, \"level\": \"info\"}, \"tls\":null\n}\n",
-         "log.level=error log.utc=0 log.file=\"$(printf '\\001')\" tls.enabled=1 server.tags=a",
-         "{\n\t\"server\": {\"tags\": [\"a\"]},\n\t\"log\": {\"file\": \"\\u0001\", \"utc\": false, "
+         "log.level=error log.utc=0 log.file=\"$(printf '\\001\\177\\t\\r')\" tls.enabled=1 server.tags=a",
+         "{\n\t\"server\": {\"tags\": [\"a\"]},\n\t\"log\": {\"file\": \"\\u0001\\u007f\\t\\r\", \"utc\": false, "
          "\"level\": \"error\"}, \"tls\": {\"enabled\": true}\n}\n"},
         {"{\"log\": {}}", "log.file=a", "{\"log\": {\"file\": \"a\"}}"},
         {"server:\n  tags:  # a\n    - a\n    - 'b''c'\n  x: 1\n", "server.tags=x,#y",
          "server:\n  tags:  # a\n    - x\n    - \"#y\"\n  x: 1\n"},
         {"server:\n  tags:\n  - a\n", "server.tags=", "server:\n  tags:\n    []\n"},
+        {"x: &x a\nserver: {tags: [*x, *x]}\n", "server.tags=b", "x: &x a\nserver: {tags: [b]}\n"},
+        {"server:\r\n  tags: [a,\r\n   b]\r\ncache:\r\n  bypass:\r\n  - a\r\n  - b\r\n",
+         "server.tags=c cache.bypass=d,e", "server:\r\n  tags: [c]\r\ncache:\r\n  bypass:\r\n  - d\r\n  - e\r\n"},
+        {l + "  x: 'a\n   # b'\n", set_off, l + "  x: 'a\n   # b'\n  utc: false\n"},
         {"a: &u utc\nb: &n 1\nlog: {*u : *n}\n", set_off, "a: &u utc\nb: &n 1\nlog: {*u : false}\n"},
         {l + "  file: 'a\n    #'  # b\n  utc: 'no'\n", "log.file=a log.utc=0", l + "  file: a  # b\n  utc: 'no'\n"},
-        {l + "  x: \"a\n   # b\"\n  # c\ntls:\n  x: !!str |\n   a\n   # b\n\n", "log.utc=0 tls.enabled=1",
-         l + "  x: \"a\n   # b\"\n  utc: false\n  # c\ntls:\n  x: !!str |\n   a\n   # b\n  enabled: true\n\n"},
+        {l + "  x: \"a\n   # b\"\n  # c\ntls:\n  x: &x !!str |\n   a\n   # b\n\n", "log.utc=0 tls.enabled=1",
+         l + "  x: \"a\n   # b\"\n  utc: false\n  # c\ntls:\n  x: &x !!str |\n   a\n   # b\n  enabled: true\n\n"},
         {"log:\r\n  x: >+\r\n   a\r\n\r\n  # c\r\n", set_off,
          "log:\r\n  x: >+\r\n   a\r\n\r\n  utc: false\r\n  # c\r\n"},
         {on, "lgo.a=1 log.file=a log.utc=0 log.utx=2 log.utc=1 log.level=loud log.utc utc=0",
@@ -134,17 +144,17 @@ TEST_F(Set, ChangesTheValuesAloneOrNothing) {
          "there is no key 'utc'; did you mean 'log.utc'?\n"},
         {on, "log.file=\"$(printf '\\377')\"", "Cannot write log.file: '\\udcff' is no UTF-8\n"},
         {"a: 1\na: 2\n", set_off, "f.yaml:2:1: this key is there twice\n"},
-        {"log:\r  utc: on\r", set_off, "Cannot change the file: a carriage return alone ends a line in it\n"},
+        {"log:\r\n  utc: on\r", set_off, "Cannot change the file: a carriage return alone ends a line in it\n"},
         {"log: &s\n  utc: on\nx: *s\n", set_off, utc + "an alias repeats its section\n"},
         {"&r\nlog:\n  a: *r\n", set_off, utc + "an alias repeats the file\n"},
         {"a: &s {b: 1}\nlog: *s\n", set_off, utc + "its section is an alias\n"},
         {"server: !!map {}\nlog: 5\n", "log.utc=0 server.tags=a",
          utc + "its section is not a mapping\n" + tags + "its section has an anchor or a tag\n"},
         {"--- ~\n", set_off, utc + "the file is not a mapping\n"},
-        {"log:\n  utc: &p on\nserver:\n  tags:\n  - a # b\n  - c\n", "log.utc=0 server.tags=c",
-         utc + anchor + tags + comments},
-        {"log:\n  utc: &p\nserver:\n  tags: [a, # b\n    c]\n", "log.utc=0 server.tags=c",
-         utc + anchor + tags + comments},
+        {"log:\n  utc: &p on\n  level: !!str info\nserver:\n  tags:\n  - a # b\n  - c\n",
+         "log.utc=0 log.level=error server.tags=c", utc + anchor + level + anchor + tags + comments},
+        {"log:\n  utc: &p\n  level: !!null\nserver:\n  tags: [a, # b\n    c]\n",
+         "log.utc=0 log.level=error server.tags=c", utc + anchor + level + anchor + tags + comments},
         {"log:\n  ? utc\n  :\nserver:\n  tags: [a # b\n    ]\n", "log.utc=0 server.tags=c",
          utc + "no colon follows its name\n" + tags + comments},
         {"log:\n  utc: {a: 1}\n  file: a\n   b\n  level: >\n", "log.utc=0 log.file=c log.level=info",
@@ -198,7 +208,9 @@ TEST_F(Set, ReplacesTheFileBehindALinkWithItsOwnerAndPermissions) {
 
     EXPECT_EQ(run("$webd set server.port=81 --file real").err, "real: Is a directory\n");
     EXPECT_EQ(run("$webd set server.port=81 --file no/f.yaml").status, 1);
-    run("mkfifo pipe; echo >pipe & $webd set server.port=81 --file pipe; cat pipe");
+    EXPECT_EQ(run("mkfifo pipe; echo >pipe & $webd set server.port=81 --file pipe; cat pipe").err,
+              "pipe: Invalid argument\n");
+    EXPECT_EQ(run("$webd set server.port=81 --file /proc/self/mem").err, "/proc/self/mem: Input/output error\n");
     EXPECT_TRUE(fs::is_fifo("pipe"));
 }
 
@@ -222,13 +234,17 @@ TEST_F(Set, LeavesTheFileAsItIsWhenItCannotReplaceIt) {
 }
 
 TEST(Differ, ByTheseChangesAlone) {
-    const auto differ = [](const char* after) {
+    const auto differ = [&declared = schema().declaration()](const char* after) {
         const ConfigValue before = velmora::yaml::load("{s: 1, server: {x: .nan, port: 80}}");
-        return differ_by({{schema().declaration().key("server.port"), 81}}, before, velmora::yaml::load(after));
+        const std::vector<Change> changes = {{declared.key("server.port"), 81}, {declared.key("log.utc"), true}};
+        return differ_by(changes, before, velmora::yaml::load(after));
     };
-    EXPECT_TRUE(differ("{s: 1, server: {port: 81, x: .nan}}"));
-    for (const char* after : {"{s: 2, server: {port: 81, x: .nan}}", "{s: 1, server: {port: 82, x: .nan}}",
-                              "{s: 1, server: {port: 81, x: 1.5}}", "{s: 1, server: {port: 81}}", "[]"})
+    EXPECT_TRUE(differ("{s: 1, server: {port: 81, x: .nan}, log: {utc: true}}"));
+    for (const char* after :
+         {"{s: 2, server: {port: 81, x: .nan}, log: {utc: true}}",
+          "{s: 1, server: {port: 82, x: .nan}, log: {utc: true}}",
+          "{s: 1, server: {port: 81, x: 1.5}, log: {utc: true}}", "{s: 1, server: {port: 81}, log: {utc: true}}",
+          "{s: 1, server: {port: 81, x: .nan}}", "[]"})
         EXPECT_FALSE(differ(after)) << after;
 }
 

@@ -18,11 +18,10 @@ namespace app = velmora::app;
 namespace {
 
 TEST(TakeRequest, SaysWhatIsUnderstood) {
-    const std::string host = "\r\nHost: a\r\n", end = "\r\n\r\n", bad = "400 - - close";
+    const std::string host = "\r\nHost: a\r\n", end = "\r\n\r\n";
     const std::string most = "GET /" + std::string(most_request_bytes - 23, 'x') + " HTTP/1.1" + host;
     // What came in, and what is taken from it, then what is left.
-    const std::pair<std::string, std::string> cases[] = {
-        {"", ""},
+    std::vector<std::pair<std::string, std::string>> cases = {
         {"GET / HTTP/1.1" + host, ""},
         {"\r\n\r\nGET /!a?b~ HTTP/1.1" + host + "\r\nGET", "200 GET /!a?b~|GET"},
         {"HEAD / HTTP/1.1\r\nHOST:\r\nx: close" + end, "200 HEAD / no body|"},
@@ -33,20 +32,17 @@ TEST(TakeRequest, SaysWhatIsUnderstood) {
         {"GET / HTTP/1.1\r\ntransfer-encoding: x" + host + "\r\n", "200 GET / close|"},
         {"POST / HTTP/1.1" + host + "\r\n", "405 POST / close|"},
         {"OPTIONS * HTTP/1.1" + host + "\r\n", "405 OPTIONS * close|"},
-        {"GET / HTTP/1.1" + end, bad + "|"},
-        {"GET / HTTP/1.1\r\nHost: a" + host + "\r\n", bad + "|"},
-        {"GET / HTTP/2" + host + "\r\n", bad + "|"},
-        {"GET a HTTP/1.1" + host + "\r\n", bad + "|"},
-        {"GET /\x1b[m HTTP/1.1" + host + "\r\n", bad + "|"},
-        {"GET  / HTTP/1.1" + host + "\r\n", bad + "|"},
-        {"GET / HTTP/1.1" + host + "x" + end, bad + "|"},
-        {"GET / HTTP/1.1" + host + " x: y" + end, bad + "|"},
         {most, ""},
         {most + "x", ""},
         {most + "\r\n", "200 GET " + most.substr(4, most.find(" HTTP") - 4) + "|"},
         {most + "xx\r\n\r\n", "431 - - close|" + most + "xx\r\n\r\n"},
         {most + "xx", "431 - - close|" + most + "xx"},
     };
+    for (const char* head :
+         {"GET / HTTP/1.1", "GET / HTTP/1.1\r\nHost: a\r\nHost: a", "GET / HTTP/2\r\nHost: a",
+          "GET a HTTP/1.1\r\nHost: a", "GET /\x1b[m HTTP/1.1\r\nHost: a", "GET  / HTTP/1.1\r\nHost: a",
+          "GET / HTTP/1.1\r\nHost: a\r\nx", "GET / HTTP/1.1\r\nHost: a\r\n x: y"})
+        cases.emplace_back(head + end, "400 - - close|");
     for (const auto& [came, taken] : cases) {
         std::string in = came, out;
         if (const auto request = take_request(in)) {

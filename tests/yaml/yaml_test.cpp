@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "folder.hpp"
-#include "velmora/config/display.hpp"
+#include "support.hpp"
 #include "velmora/utils/read_file.hpp"
 
 namespace velmora::yaml {
@@ -17,35 +17,25 @@ namespace {
 using config::ConfigValue;
 using config::List;
 using config::Mapping;
+using test::repeated;
 using Cases = std::vector<std::pair<std::string, std::string>>;
-
-std::string outcome_of(const auto& load_it) {
-    try {
-        return display(load_it());
-    } catch (const Error& error) {
-        return error.message();
-    }
-}
 
 // What a text is read as, or the error in it.
 std::string result_of(std::string_view text) {
-    return outcome_of([&] { return load(text, "f"); });
+    try {
+        return display(load(text, "f"));
+    } catch (const Error& error) {
+        return error.message();
+    }
 }
 
 void check(const Cases& cases) {
     for (const auto& [text, result] : cases) EXPECT_EQ(result_of(text), result) << text;
 }
 
-std::string repeated(std::string_view part, int times) {
-    std::string text;
-    while (times-- > 0) text += part;
-    return text;
-}
-
 TEST(Load, ReadsPlainScalarsByTheCoreSchema) {
     check({
         {"", "None"},
-        {"# nothing\n", "None"},
         {"---\n...\n# end", "None"},
         {"[~, null, Null, NULL, nULL]", "[None, None, None, None, 'nULL']"},
         {"[true, True, TRUE, false, False, FALSE]", "[True, True, True, False, False, False]"},
@@ -167,8 +157,7 @@ TEST(Load, SaysWhereAndWhatIsWrong) {
         {"a name must be behind", {{"- & b", "1:5"}, {"!!str, a", "1:6"}, {"!! a", "1:4"}}},
         {"no '%TAG' line says what this tag begins with", {{"!x!y a", "1:1"}}},
         {"a tag must be between '!<' and '>'", {{"!<!> a", "1:1"}, {"!<> a", "1:1"}}},
-        {"this is no !!int: mend it, or remove the tag", {{"!!int a", "1:1"}, {"- !!int", "1:3"}}},
-        {"this is no !!float", {{"- !!float 0x1", "1:3"}}},
+        {"this is no !!", {{"!!int a", "1:1"}, {"- !!int", "1:3"}, {"- !!float 0x1", "1:3"}}},
         {"a scalar cannot be tagged so: remove the tag", {{"- !!seq a", "1:3"}, {"- !str a", "1:3"}}},
         {"a mapping cannot be tagged so", {{"- !!str {}", "1:3"}}},
         {"this key is there twice",

@@ -75,7 +75,7 @@ TEST(ConfigValue, HashesOfSimilarKeysDifferInTheirLowBits) {
     List all;  // So that no two of its lists have one address.
     std::set<std::size_t> low_bits[9];
     for (int i = 0; i < 1000; ++i) {
-        const List keys(std::int64_t{i} << 40, i + 0.5, "a text " + std::to_string(i), List(i, "a"),
+        const List keys(std::int64_t{i} << 40, i + 0.5, "a text " + std::to_string(i) + " and more", List(i, "a"),
                         List(0, 0, 0, 0, 0, i), Mapping{{"a", i}}, List(nan), Mapping{{"a", nan}}, Mapping{{nan, 1}});
         all.push_back(keys);
         for (std::size_t k = 0; k < keys.size(); ++k) low_bits[k].insert(keys[k].hash() % 1024);

@@ -21,7 +21,9 @@ TEST_F(CommandLine, TellsWhatItTakes) {
     EXPECT_THAT(run("$webd show --set log.utc=x --set log.level=loud").err,
                 AllOf(HasSubstr("log.utc"), HasSubstr("log.level")));
     const std::pair<int, std::vector<std::string>> cases[] = {
-        {0, {"--help", "check --set log.level=info --set log.utc=0", "explain --set log.level=info log.utc"}},
+        {0,
+         {"--help", "check --set log.level=info --set log.utc=0", "explain --set log.level=info log.utc",
+          "check --set cache.enabled=0 --set cache.max_bytes=9"}},
         {1,
          {"--help >/dev/full", "show >/dev/full", "show --file f.yaml", "show --set log.level=loud",
           "check --set tls.enabled=1", "check --set server.tags=\"$(printf 'a\\rb')\"",
@@ -56,6 +58,8 @@ TEST_F(CommandLine, ShowsValuesAndPointsAtWhatItIgnores) {
     const Outcome checked = run(variables + "$webd check" + arguments);
     EXPECT_EQ(std::tie(checked.status, checked.out, checked.err), std::tuple(1, "", shown.err));
     EXPECT_EQ(run("$webd show").err, "");
+    EXPECT_THAT(run("f=$(printf 'a\nb'); echo log: {utc: 0} >\"$f\"; $webd show --file \"$f\"").out,
+                HasSubstr("# a\\nb:1:12\n"));
 
     EXPECT_THAT(run(variables + "$webd explain cache.ttl log.level" + arguments + " --set log.level=info").out,
                 HasSubstr("  a change takes no restart\n\nlog.level = 'info'\n"

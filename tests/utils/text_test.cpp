@@ -62,7 +62,8 @@ TEST(Unicode, KnowsWhatIsPrintableAndWhiteSpace) {
     EXPECT_EQ(printable, 148'998) << "letters, marks, digits, punctuation and symbols of Unicode 15.0, and the space";
     EXPECT_EQ(white, 25);
     EXPECT_EQ(trimmed("\u3000 \ta b\u00a0\u2029\x85"), "a b\u00a0\u2029\x85") << "a stray byte is no white space";
-    EXPECT_EQ(trimmed("\u2003\u1680"), "");
+    EXPECT_EQ(trimmed("\u2003\u1680\u2000\u200a\u2028\u202f\u205f\u3000\u00a0\u0085\t\n\v\f\r "), "");
+    EXPECT_TRUE(equal_ignoring_case("AZ", "az") && !equal_ignoring_case("@[", "`{"));
     EXPECT_EQ(trimmed(std::string_view("\xe2\x80\x80").substr(1)), "\x80\x80");
 }
 
@@ -87,7 +88,7 @@ TEST(TextValues, ReadFlagsAndLists) {
         EXPECT_EQ(test::outcome([&] { return parse_bool(text); }),
                   "ValueError: " + shown_text(text) + " is not one of true/false, yes/no, on/off, y/n, t/f, 1/0");
     }
-    EXPECT_EQ(split_csv(" a , b c,,\td\u00a0,'e"), (std::vector<std::string>{"a", "b c", "d", "'e"}));
+    EXPECT_EQ(split_csv(" a , b;c,,\td\u00a0,'e"), (std::vector<std::string>{"a", "b;c", "d", "'e"}));
     EXPECT_EQ(split_csv("\t"), std::vector<std::string>());
 }
 

@@ -148,6 +148,8 @@ TEST_F(Set, ChangesTheValuesAloneOrNothing) {
          "there is no key 'utc'; did you mean 'log.utc'?\n"},
         {on, "log.file=\"$(printf '\\377')\"", "Cannot write log.file: '\\udcff' is no UTF-8\n"},
         {"a: 1\na: 2\n", set_off, "f.yaml:2:1: this key is there twice\n"},
+        {"? \n  utc: on", set_off, "Cannot change the file: it would differ in more than these keys\n"},
+        {"...\n'x'", set_off, "Cannot change the file: it would differ in more than these keys\n"},
         {"log:\r\n  utc: on\r", set_off, "Cannot change the file: a carriage return alone ends a line in it\n"},
         {"log: &s\n  utc: on\nx: *s\n", set_off, utc + "an alias repeats its section\n"},
         {"&r\nlog:\n  a: *r\n", set_off, utc + "an alias repeats the file\n"},

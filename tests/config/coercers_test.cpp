@@ -30,7 +30,7 @@ TEST(Coercers, TakeOrRefuse) {
         {i, {"-" + border}, large + "'-" + border.substr(0, 75) + "..."},
         {i, {"9" + many}, large + "'9" + many.substr(0, 75) + "..."},
         {i, {"-" + many + "1"}, "-1"},
-        {i, {"\u00a0+1_0_00\u2028"}, "1000"},
+        {i, {"\u00a0+1_0_00\u2028", repeated("0", 66) + "_1000"}, "1000"},
         {i, {inf}, "ValueError: inf is not a finite number"},
         {i, {true}, "ValueError: expected an integer, got a boolean"},
         {i, {nullptr}, "TypeError: expected an integer, got None"},

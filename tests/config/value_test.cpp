@@ -65,8 +65,8 @@ TEST(ConfigValue, IsEqualByValue) {
     for (const ConfigValue& a : values) {
         for (const ConfigValue& b : values) EXPECT_EQ(a == b, &a == &b) << a << " against " << b;
     }
-    const ConfigValue a = List{1, Mapping{{"a", 1}, {"b", 2}, {List{1}, 1}, {2, 2}}};
-    const ConfigValue b = List{1.0, Mapping{{2.0, 2}, {"b", 2}, {List{1.0}, 1}, {"a", 1}}};
+    const ConfigValue a = List{1, Mapping{{"a", 1}, {"b", 2}, {List{1}, 1}, {2, 2}, {List{3}, 3}}};
+    const ConfigValue b = List{1.0, Mapping{{2.0, 2}, {"b", 2}, {List{1.0}, 1}, {"a", 1}, {List{3}, 3}}};
     EXPECT_EQ(a, b);
     EXPECT_EQ(a.hash(), b.hash());
 }

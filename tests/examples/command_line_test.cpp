@@ -130,7 +130,7 @@ TEST_F(Set, ChangesTheValuesAloneOrNothing) {
         {"server:\n  tags:  # a\n    - a\n    - 'b''c'\n  x: 1\n", "server.tags=x,#y",
          "server:\n  tags:  # a\n    - x\n    - \"#y\"\n  x: 1\n"},
         {"server:\n  tags:\n  - a\n", "server.tags=", "server:\n  tags:\n    []\n"},
-        {"x: &x a\nserver: {tags: [*x, *x]}\n", "server.tags=b", "x: &x a\nserver: {tags: [b]}\n"},
+        {"x: &x a\nserver: {tags: [*x,*x]}\n", "server.tags=b", "x: &x a\nserver: {tags: [b]}\n"},
         {"server:\r\n  tags: [a,\r\n   b]\r\ncache:\r\n  bypass:\r\n  - a\r\n  - b\r\n",
          "server.tags=c cache.bypass=d,e", "server:\r\n  tags: [c]\r\ncache:\r\n  bypass:\r\n  - d\r\n  - e\r\n"},
         {l + "  x: 'a\n   # b'\n", set_off, l + "  x: 'a\n   # b'\n  utc: false\n"},

@@ -72,7 +72,6 @@ TEST(ResponseCache, LetsGoOfWhatThePolicySays) {
         // What is stale leaves all of its room.
         cache.keep("a", response(29), settings, now);
         EXPECT_EQ(cache.find("a", settings, now)->size(), 29U);
-        // As many go as must.
         for (const char* path : {"b", "c"}) cache.keep(path, response(9), settings, now);
         cache.keep("d", response(20), settings, now);
         EXPECT_TRUE(cache.find("d", settings, now) != nullptr && cache.find("c", settings, now) == nullptr);

@@ -22,7 +22,7 @@ Mapping with_entry(const ConfigValue& mapping, const std::string& key, const Con
     return changed;
 }
 
-void check_edit(const Key& key, const std::string& raw, const std::string& text) {
+void check_edit(const velmora::app::Key& key, const std::string& raw, const std::string& text) {
     ConfigValue value;
     ConfigValue old;
     std::string edited;
@@ -49,8 +49,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string value;
     std::getline(std::getline(input, label, '='), value);
     const std::string text{std::istreambuf_iterator<char>(input), {}};
-    for (const Section& section : schema().declaration().sections()) {
-        for (const Key& key : section.keys()) {
+    for (const velmora::app::Section& section : schema().declaration().sections()) {
+        for (const velmora::app::Key& key : section.keys()) {
             if (key.label() == label) check_edit(key, value, text);
         }
     }

@@ -10,6 +10,7 @@
 #include "require.hpp"
 #include "settings.hpp"
 
+namespace app = velmora::app;
 using namespace velmora::config;
 using velmora::yaml::LocatedValue;
 using velmora::yaml::Span;
@@ -52,7 +53,7 @@ private:
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const std::vector<Section> sections = schema().declaration().sections();
+    static const std::vector<app::Section> sections = schema().declaration().sections();
     velmora::utils::set_sink(
         [](const velmora::utils::LogRecord& record) { require_utf8(record.message()); });
     const std::string_view text(reinterpret_cast<const char*>(data), size);
@@ -66,11 +67,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const LocatedValue located = velmora::yaml::load_located(text);
     require(display(located.value()) == display(file), "a value that is another one");
     Parts{located};
-    for (const Section& section : sections) {
-        const ConfigValue* const given = file.find(section.name());
-        const Record record = section.read(given != nullptr ? *given : ConfigValue());
-        for (const Key& key : section.keys())
-            require_accepted(key, record.get<ConfigValue>(key.name()));
+    const auto report = [](const app::Fault& fault) { require_utf8(text_of(fault)); };
+    const auto require_values = [](const app::Values& values) {
+        for (const app::Section& section : sections) {
+            for (const app::Key& key : section.keys()) require_accepted(key, values[key.label()]);
+        }
+    };
+    try {
+        const app::Layer layer = app::text(std::string(text), "f");
+        require_values(schema().declaration().load({layer}, {.report = report}));
+    } catch (const app::LoadError& error) {  // As checks find.
+        require_utf8(error.message());
+        require_values(error.values());
     }
     return 0;
 }

@@ -21,8 +21,8 @@ inline void require_utf8(std::string_view text) {
 }
 
 /// A key takes its own values again, as they are and from their texts.
-inline void require_accepted(const velmora::config::Key& key,
-                             const velmora::config::ConfigValue& value) {
+template <class Key>
+void require_accepted(const Key& key, const velmora::config::ConfigValue& value) {
     const bool has_text = key.kind() != velmora::config::KeyKind::list;
     require(key.coerce(value) == value &&
                 (!has_text || key.coerce(velmora::config::plain_text(value)) == value),
